@@ -1,0 +1,54 @@
+#include "support/gwTestEnv.h"
+
+#include "diagnostics/gwSystem.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <cstdlib>
+#include <string>
+
+namespace {
+QString sRoot;
+
+void setPath(const char* variable, const QString& path)
+{
+    QDir().mkpath(path);
+    qputenv(variable, QFile::encodeName(path));
+}
+} // namespace
+
+void gwPrepareTestEnvironment()
+{
+    const QByteArray base = qEnvironmentVariableIsEmpty("TMPDIR") ? QByteArray("/tmp") : qgetenv("TMPDIR");
+    std::string pattern = base.toStdString() + "/gwtest-XXXXXX";
+    if (!mkdtemp(pattern.data()))
+        std::abort();
+    sRoot = QString::fromStdString(pattern);
+    setPath("HOME", sRoot + "/home");
+    setPath("XDG_DATA_HOME", sRoot + "/home/.local/share");
+    setPath("XDG_CONFIG_HOME", sRoot + "/home/.config");
+    setPath("XDG_CACHE_HOME", sRoot + "/home/.cache");
+    setPath("XDG_RUNTIME_DIR", sRoot + "/runtime");
+    QFile::setPermissions(sRoot + "/runtime", QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    setPath("TEMP", sRoot + "/temp");
+    setPath("TMPDIR", sRoot + "/tmp");
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+}
+
+QString gwTestRoot()
+{
+    return sRoot;
+}
+
+QString gwTestLogPath()
+{
+    return CgwSystem::logFolder().mid(5) + QStringLiteral("/LogFile.txt");
+}
+
+QByteArray gwReadFile(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+// Makes a private root folder for this test process and points HOME, the XDG
+// folders, TEMP and TMPDIR into it, so that nothing touches the user's files.
+// Call before any Qt object exists.
+void gwPrepareTestEnvironment();
+
+// The private root of this process.
+QString gwTestRoot();
+
+// The live log file of this process, without scheme.
+QString gwTestLogPath();
+
+// The whole content of a file; empty when it cannot be read.
+QByteArray gwReadFile(const QString& path);
