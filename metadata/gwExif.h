@@ -1,0 +1,40 @@
+#pragma once
+
+#include "metadata/gwExifValue.h"
+
+#include <QMap>
+
+// One image's TIFF/Exif tags, ordered by tag; the maker note is the value of
+// tag 0x927C.
+class CgwExif
+{
+public:
+    static constexpr quint16 kLittleEndian = 0x4949;
+    static constexpr quint16 kBigEndian = 0x4D4D;
+
+    bool isEmpty() const { return mValues.isEmpty(); }
+    void clear() { mValues.clear(); }
+    bool operator==(const CgwExif& other) const
+    {
+        return mValues == other.mValues && mByteOrder == other.mByteOrder;
+    }
+    bool operator!=(const CgwExif& other) const { return !(*this == other); }
+
+    bool hasTag(quint16 tag) const { return mValues.contains(tag); }
+    CgwExifValue getValue(quint16 tag) const { return mValues.value(tag); }
+    void setValue(quint16 tag, const CgwExifValue& value) { mValues.insert(tag, value); }
+    void removeTag(quint16 tag) { mValues.remove(tag); }
+    const QMap<quint16, CgwExifValue>& values() const { return mValues; }
+
+    quint16 byteOrder() const { return mByteOrder; }
+    void setByteOrder(quint16 order) { mByteOrder = order; }
+
+    // The one way the suite reads a maker-note record: 0.0 and not found when
+    // there is no maker note, no signature or no record of that tag.
+    float getGWMakerNotValueByTag(quint16 tag, bool* found = nullptr) const;
+    bool hasHDRFlag() const;
+
+private:
+    QMap<quint16, CgwExifValue> mValues;
+    quint16 mByteOrder = kLittleEndian;
+};
