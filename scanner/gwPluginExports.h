@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QPainterPath>
+#include <QString>
+
+// The plug-in's outside surface, looked up by the host under these C++ names.
+#define GW_EXPORT __attribute__((visibility("default")))
+
+// True for "HDR Atelier" alone: whole string, case-sensitive, no trimming.
+GW_EXPORT bool supportsScannerHDRImport(const QString& id);
+
+namespace QtAddons {
+GW_EXPORT QPainterPath intersect(const QPainterPath& a, const QPainterPath& b);
+GW_EXPORT QPainterPath subtract(const QPainterPath& a, const QPainterPath& b);
+GW_EXPORT QPainterPath unite(const QPainterPath& a, const QPainterPath& b);
+} // namespace QtAddons
