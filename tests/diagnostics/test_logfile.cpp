@@ -4,6 +4,7 @@
 #include "diagnostics/gwAssert.h"
 #include "diagnostics/gwDebug.h"
 #include "diagnostics/gwLogFile.h"
+#include "diagnostics/gwLogHeader.h"
 #include "support/gwTestEnv.h"
 
 #include <QCoreApplication>
@@ -200,4 +201,21 @@ TEST(LogFile, RenameProcessTempFileGivesUpAfterTenRetries)
     EXPECT_GE(timer.elapsed(), 4900);
     EXPECT_EQ(lastMessage(), ("gwDebug: Exiv2 handler: Failed to rename file to " + target).toUtf8());
     EXPECT_TRUE(temp.exists());
+}
+
+TEST(LogFile, PreambleContactBlocksDependOnTheVersionType)
+{
+    const QByteArray main = gwLogPreamble(0);
+    const QByteArray hotline = gwLogPreamble(3);
+    for (const QByteArray* text : {&main, &hotline}) {
+        EXPECT_TRUE(text->startsWith(QByteArray(73, '-') + "\n"));
+        EXPECT_EQ(text->count("Web/mail contact (for free): "), 2);
+        EXPECT_LT(text->indexOf("Europe, Africa, Australia, Asia:"), text->indexOf("USA, North & South America:"));
+        EXPECT_TRUE(text->endsWith("you do not like to share.\n"));
+    }
+    EXPECT_FALSE(main.contains("Hotline: "));
+    EXPECT_LT(main.indexOf("Web/mail contact"), main.indexOf("Fax: ")) << "web contact ahead of the fax";
+    EXPECT_EQ(hotline.count("Hotline: "), 2);
+    EXPECT_LT(hotline.indexOf("Hotline: "), hotline.indexOf("Fax: "));
+    EXPECT_LT(hotline.indexOf("Fax: "), hotline.indexOf("Web/mail contact"));
 }

@@ -130,33 +130,6 @@ TEST(ScannerTable, InUseFlagsAreClearedByTheFirstScannerOnly)
     setRowBusy(false);
 }
 
-TEST(ScannerBase, DefaultsOfTheUnnamedOperations)
-{
-    TableScanner scanner;
-    EXPECT_FALSE(scanner.setImageSource("file:/x.tif"));
-    for (bool value : {scanner.queryFlag10(), scanner.queryFlag11(), scanner.queryFlag14(), scanner.queryFlag15(),
-                       scanner.queryFlag16(), scanner.queryFlag17(), scanner.queryFlag24(), scanner.queryFlag25(),
-                       scanner.queryFlag26(), scanner.queryFlag27()})
-        EXPECT_FALSE(value);
-    EXPECT_TRUE(scanner.queryFlag21());
-    EXPECT_TRUE(scanner.queryFlag22());
-    EXPECT_EQ(scanner.queryInteger23(), 1);
-
-    const CgwScannerDefaults d = scanner.getScannerDefaults();
-    EXPECT_EQ(d.mValue0, 0);
-    EXPECT_EQ(d.mValue1, 0);
-    EXPECT_EQ(d.mValue2, 0);
-    EXPECT_EQ(d.mValue3, 1);
-    EXPECT_EQ(d.mValue4, 1);
-    EXPECT_EQ(d.mValue5, 1);
-    EXPECT_EQ(d.mValue6, 0);
-    EXPECT_EQ(d.mValue7, 1);
-    EXPECT_EQ(d.mValue8, 1.0);
-    EXPECT_EQ(d.mValue9, 1);
-    EXPECT_EQ(d.mValue10, 1);
-    EXPECT_EQ(d.mValue11, 0);
-}
-
 TEST_F(ConnectionWait, FreeRowConnectsAtOnce)
 {
     TableScanner scanner;
@@ -168,42 +141,33 @@ TEST_F(ConnectionWait, FreeRowConnectsAtOnce)
     EXPECT_TRUE(r.finishedWith);
 }
 
-TEST_F(ConnectionWait, BusyRowWithoutAbortFlagGivesUpAfterTwoRetries)
+TEST_F(ConnectionWait, BusyRowSpendsItsBudgetAndGivesUp)
 {
-    setRowBusy(true);
-    TableScanner scanner;
-    const WaitResult r = wait(scanner, nullptr, 0.0);
-    EXPECT_FALSE(r.connected);
-    EXPECT_EQ(scanner.attempts, 3) << "the first attempt and two retries";
-    EXPECT_GE(r.ms, 95) << "ten sleeps of 10 ms";
-    EXPECT_LT(r.ms, 1000) << "the nominal ten seconds are not waited";
-    EXPECT_EQ(r.started, 1);
-    EXPECT_EQ(r.finished, 1);
-    EXPECT_FALSE(r.finishedWith);
-}
-
-TEST_F(ConnectionWait, ExplicitTimeoutShrinksTheBudget)
-{
-    setRowBusy(true);
-    TableScanner scanner;
-    const WaitResult r = wait(scanner, nullptr, 2.0); // two sleeps, one retry
-    EXPECT_FALSE(r.connected);
-    EXPECT_EQ(scanner.attempts, 2);
-    EXPECT_GE(r.ms, 19);
-    EXPECT_LT(r.ms, 500);
-}
-
-TEST_F(ConnectionWait, AbortFlagAlreadySetReturnsWithoutSleeping)
-{
-    setRowBusy(true);
-    TableScanner scanner;
-    bool abort = true;
-    const WaitResult r = wait(scanner, &abort, 0.0);
-    EXPECT_FALSE(r.connected);
-    EXPECT_EQ(scanner.attempts, 1);
-    EXPECT_LT(r.ms, 10);
-    EXPECT_EQ(r.started, 1);
-    EXPECT_EQ(r.finished, 1);
+    // A limited budget falls by a second for every 10 ms slept.
+    const struct {
+        const char* name;
+        bool withFlag;
+        double timeout;
+        int attempts;
+        qint64 minMs, maxMs;
+    } cases[] = {
+        {"no flag, default ten seconds: ten sleeps, two retries", false, 0.0, 3, 95, 1000},
+        {"no flag, two seconds: two sleeps, one retry", false, 2.0, 2, 19, 500},
+        {"flag already set: no sleep at all", true, 0.0, 1, 0, 10},
+    };
+    for (const auto& c : cases) {
+        setRowBusy(true);
+        TableScanner scanner;
+        bool abort = true;
+        const WaitResult r = wait(scanner, c.withFlag ? &abort : nullptr, c.timeout);
+        EXPECT_FALSE(r.connected) << c.name;
+        EXPECT_EQ(scanner.attempts, c.attempts) << c.name;
+        EXPECT_GE(r.ms, c.minMs) << c.name;
+        EXPECT_LT(r.ms, c.maxMs) << c.name;
+        EXPECT_EQ(r.started, 1) << c.name;
+        EXPECT_EQ(r.finished, 1) << c.name;
+        EXPECT_FALSE(r.finishedWith) << c.name;
+    }
 }
 
 TEST_F(ConnectionWait, WithAbortFlagTheWaitIsUnlimitedUntilTheRowFrees)

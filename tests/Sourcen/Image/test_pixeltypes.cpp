@@ -1,7 +1,6 @@
 // Pixel types, colour modes, rectangles and pixel views.
 
 #include "Sourcen/Image/gwArrayT.h"
-#include "Sourcen/Image/gwColorMode.h"
 #include "Sourcen/Image/gwPixelT.h"
 #include "Sourcen/Image/gwRectT.h"
 #include "support/gwTestEnv.h"
@@ -48,15 +47,6 @@ TEST(PixelTypes, DispatchReachesTheTypeOfEachIdentifier)
     EXPECT_FALSE(gwDispatchPixelType(-1, [](auto) {}));
 }
 
-TEST(PixelTypes, ColorModeChannels)
-{
-    const int expected[] = {0, 1, 2, 3, 3, 3, 4, 4};
-    for (int mode = 0; mode < 8; ++mode)
-        EXPECT_EQ(gwColorModeChannels(mode), expected[mode]) << mode;
-    EXPECT_EQ(gwColorModeChannels(8), -1);
-    EXPECT_EQ(gwColorModeChannels(-1), -1);
-}
-
 TEST(PixelTypes, RectNormalisesAndMeasures)
 {
     CgwRectT<int> r(10, 20, 2, 5);
@@ -85,21 +75,4 @@ TEST(PixelTypes, ArrayIndexesFromColumnZeroAndRefusesWhenEmpty)
     EXPECT_EQ(empty[5].s[0], 0);
     EXPECT_TRUE(gwReadFile(gwTestLogPath()).endsWith(
         "gwDebug: CgwArrayT::operator[] : not allowed to access an empty array\n"));
-}
-
-TEST(PixelTypes, ViewsKeepTheirStorageAlive)
-{
-    std::weak_ptr<std::vector<CgwPixel16x3>> watch;
-    CgwSmartPixelPointer<CgwPixel16x3> pointer;
-    {
-        auto storage = std::make_shared<std::vector<CgwPixel16x3>>(4);
-        (*storage)[2].s[1] = 4242;
-        watch = storage;
-        pointer = CgwSmartPixelPointer<CgwPixel16x3>(storage, &(*storage)[2]);
-    }
-    ASSERT_FALSE(watch.expired());
-    EXPECT_EQ(pointer->s[1], 4242);
-    pointer = CgwSmartPixelPointer<CgwPixel16x3>();
-    EXPECT_TRUE(watch.expired());
-    EXPECT_TRUE(pointer.isNull());
 }
