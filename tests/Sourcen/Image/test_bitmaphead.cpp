@@ -59,7 +59,7 @@ TEST(BitmapHead, FreshHeadIsEmptyAndEveryFieldCounts)
         {"iptc", [](CgwBitmapHead& h) { h.mIptc.setValue(0x0219, QStringLiteral("keyword")); }},
         {"gamma", [](CgwBitmapHead& h) { h.mGamma = 2.2f; }},
         {"scanner mode", [](CgwBitmapHead& h) { h.mScannerMode = 9; }},
-        {"parameters", [](CgwBitmapHead& h) { h.mParameters.setTokens(QStringLiteral("IsHDR"), "1 "); }},
+        {"parameters", [](CgwBitmapHead& h) { h.mParameters.setBool(QStringLiteral("IsHDR"), true); }},
         {"x resolution", [](CgwBitmapHead& h) { h.mResolution.setX(300.0); }},
         {"y resolution", [](CgwBitmapHead& h) { h.mResolution.setY(300.0); }},
     };
@@ -82,7 +82,7 @@ TEST(BitmapHead, CopiesCarryEveryFieldAndTheLegalBottom)
     source.mExif = exifWithNote(makerNote({{0xC005, 0, 1}}));
     source.mGamma = 1.8f;
     source.mScannerMode = 9;
-    source.mParameters.setTokens(QStringLiteral("MaxResAllowed"), QStringLiteral("144 "));
+    source.mParameters.setLongLong(QStringLiteral("MaxResAllowed"), 144);
     source.mScanSize = QSize(10, 20);
     source.mHeadFlag = true;
     source.mHeadValue = 1ll << 40;
