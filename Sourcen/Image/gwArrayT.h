@@ -22,6 +22,7 @@ public:
     // The index of x = 0 within the run.
     int offset() const { return mOffset; }
     Pixel* data() const { return mData; }
+    const std::shared_ptr<void>& owner() const { return mOwner; }
 
     // x counts from the image's first column, so the border has negative x.
     Pixel& operator[](int x) const

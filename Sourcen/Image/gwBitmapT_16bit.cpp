@@ -1,0 +1,6 @@
+#include "Sourcen/Image/gwBitmapT_instances.h"
+
+GW_INSTANTIATE_BITMAP(CgwPixel16x4)
+GW_INSTANTIATE_BITMAP(CgwPixel16x3)
+GW_INSTANTIATE_BITMAP(CgwPixelGrey16Type)
+GW_INSTANTIATE_BITMAP(CgwPixel16x2)
