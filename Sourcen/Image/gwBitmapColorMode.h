@@ -6,8 +6,6 @@
 #include "Sourcen/Image/gwBitmapT_core.h"
 #include "Sourcen/Image/gwColorMath.h"
 
-#include <QtConcurrent>
-
 template <class Pixel>
 struct GwModeOps {
     using S = typename Pixel::SampleType;
@@ -158,9 +156,8 @@ void CgwBitmapT<Pixel>::convertColorMode(int target)
     const auto op = GwModeOps<Pixel>::pick(colorMode(), target);
     if (op) {
         const int width = size().width() + kBorder;
-        QList<QPair<int, int>> ranges = gwSplitRows(-kBorder, size().height() + kBorder);
-        QtConcurrent::blockingMap(ranges, [&](QPair<int, int>& range) {
-            for (int y = range.first; y < range.second; ++y) {
+        gwRunOverRows(-kBorder, size().height() + kBorder, [&](int first, int end) {
+            for (int y = first; y < end; ++y) {
                 const CgwArrayT<Pixel> row = line(y);
                 for (int x = -kBorder; x < width; ++x)
                     op(row[x]);

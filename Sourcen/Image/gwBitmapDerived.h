@@ -75,9 +75,8 @@ QImage CgwBitmapT<Pixel>::toQImage(double angle)
     uchar* bits = image.bits();
     const qsizetype stride = image.bytesPerLine();
     const auto eight = [](Sample s) { return int(std::trunc(float(s) * 255.0f / float(Pixel::kMax))); };
-    QList<QPair<int, int>> ranges = gwSplitRows(0, rows);
-    QtConcurrent::blockingMap(ranges, [&](QPair<int, int>& range) {
-        for (int y = range.first; y < range.second; ++y) {
+    gwRunOverRows(0, rows, [&](int first, int end) {
+        for (int y = first; y < end; ++y) {
             const CgwArrayT<Pixel> in = line(y);
             auto* out = reinterpret_cast<QRgb*>(bits + stride * y);
             for (int x = 0; x < w; ++x) {

@@ -12,9 +12,15 @@
 template <class Pixel>
 class CgwBitmapBlinkT;
 
+#include <functional>
+
 // Row ranges for the worker pool: one range for each ideal thread, the last
 // one shorter.
 QList<QPair<int, int>> gwSplitRows(int first, int end);
+
+// Runs `work(first, end)` over the row ranges of [first, end) on the worker
+// pool and returns when all are done. Every range is worked by one thread.
+void gwRunOverRows(int first, int end, const std::function<void(int, int)>& work);
 
 // A bitmap of one pixel type. Rows are addressed in image coordinates,
 // -kBorder <= y < height + kBorder.

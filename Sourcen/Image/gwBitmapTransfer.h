@@ -5,8 +5,6 @@
 
 #include "Sourcen/Image/gwBitmapT_core.h"
 
-#include <QtConcurrent>
-
 #include <atomic>
 
 namespace {
@@ -101,10 +99,9 @@ template <class Pixel>
 template <class Src>
 bool CgwBitmapT<Pixel>::runTransfer(const SgwBlockGeometry& g, const CgwBitmapT<Src>& source)
 {
-    QList<QPair<int, int>> ranges = gwSplitRows(0, g.height);
     std::atomic<bool> ok{true};
-    QtConcurrent::blockingMap(ranges, [&](QPair<int, int>& range) {
-        if (!setThreadedBlockFromOtherTypeBmpT(range, g, source))
+    gwRunOverRows(0, g.height, [&](int first, int end) {
+        if (!setThreadedBlockFromOtherTypeBmpT(qMakePair(first, end), g, source))
             ok = false;
     });
     return ok;
@@ -180,9 +177,8 @@ CgwBitmapBase* CgwBitmapT<Pixel>::getBlock(const CgwRectT<int>& rect, int filter
     const int r = filterRadius;
     const int firstX = std::max(-r, -kBorder - rect.left);
     const int endX = std::min(rect.width() + r, w + kBorder - rect.left);
-    QList<QPair<int, int>> ranges = gwSplitRows(-r, rect.height() + r);
-    QtConcurrent::blockingMap(ranges, [&](QPair<int, int>& range) {
-        for (int y = range.first; y < range.second && firstX < endX; ++y) {
+    gwRunOverRows(-r, rect.height() + r, [&](int first, int end) {
+        for (int y = first; y < end && firstX < endX; ++y) {
             const CgwArrayT<Pixel> in = line(rect.top + y);
             const CgwArrayT<Pixel> out = retVal->line(y);
             if (!in.isEmpty() && !out.isEmpty())
