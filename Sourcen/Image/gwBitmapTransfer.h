@@ -8,6 +8,21 @@
 #include <atomic>
 
 namespace {
+// One axis of a transfer: a negative corner skips that much of the source,
+// and what passes the target's edge is cut.
+inline void gwClipAxis(int corner, int count, int targetLength, int& src, int& dst, int& length)
+{
+    src = 0;
+    dst = corner;
+    length = count;
+    if (dst < 0) {
+        src = -dst;
+        length -= src;
+        dst = 0;
+    }
+    length = std::min(length, targetLength - dst);
+}
+
 inline bool gwIsGreyExpansion(int sourceMode, int targetMode)
 {
     return sourceMode == EgwColorModeGrey
@@ -30,24 +45,8 @@ bool CgwBitmapT<Pixel>::blockGeometry(const QPoint& leftTop, const CgwBitmapBase
     }
     if (!isInitialized() || !source.isInitialized())
         return false;
-    // A negative corner skips that much of the source; what passes the
-    // target's edge is cut.
-    g.dstX = leftTop.x();
-    g.width = count.width();
-    if (g.dstX < 0) {
-        g.srcX = -g.dstX;
-        g.width -= g.srcX;
-        g.dstX = 0;
-    }
-    g.width = std::min(g.width, size().width() - g.dstX);
-    g.dstY = leftTop.y();
-    g.height = count.height();
-    if (g.dstY < 0) {
-        g.srcY = -g.dstY;
-        g.height -= g.srcY;
-        g.dstY = 0;
-    }
-    g.height = std::min(g.height, size().height() - g.dstY);
+    gwClipAxis(leftTop.x(), count.width(), size().width(), g.srcX, g.dstX, g.width);
+    gwClipAxis(leftTop.y(), count.height(), size().height(), g.srcY, g.dstY, g.height);
     g.sourceMode = source.colorMode();
     g.targetMode = colorMode();
     return g.width > 0 && g.height > 0;
