@@ -3,6 +3,7 @@
 #include "diagnostics/gwLogHeader.h"
 #include "diagnostics/gwLogWarning.h"
 #include "diagnostics/gwSystem.h"
+#include "files/gwFilePathList.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -157,8 +158,8 @@ QString CgwLogFile::livePath() const
 
 bool CgwLogFile::openFile(QIODevice::OpenMode mode)
 {
-    file = std::make_unique<QFile>(livePath());
-    return file->open(mode);
+    file.reset(CgwFilePathList::instance().createFile(logPath));
+    return file && file->open(mode);
 }
 
 bool CgwLogFile::openLogFile()
@@ -182,7 +183,7 @@ bool CgwLogFile::openLogFile()
         } else {
             openFile(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Text);
         }
-        if (!file->isOpen()) {
+        if (!file || !file->isOpen()) {
             file.reset();
             gwShowLogOpenWarning(livePath());
             return false;

@@ -2,7 +2,7 @@
 
 #include "diagnostics/gwSingleton.h"
 
-#include <QFile>
+#include <QIODevice>
 #include <QList>
 #include <QMutex>
 #include <QRecursiveMutex>
@@ -11,6 +11,8 @@
 
 #include <atomic>
 #include <memory>
+
+class CgwFile;
 
 // The one log of the process, "LogFile.txt" in the log folder. Opened by the
 // first message, flushed after every message, rolled into "PrevLogFiles/"
@@ -63,5 +65,5 @@ private:
     // Serialises the queue and the lazy open, so that messages of other
     // threads arriving during the open are neither lost nor doubled.
     QRecursiveMutex openMutex;
-    std::unique_ptr<QFile> file;
+    std::unique_ptr<CgwFile> file;
 };

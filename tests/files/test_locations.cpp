@@ -1,0 +1,105 @@
+// Listing folders of the disk and scanner locations, at once and on workers.
+
+#include "files/gwFilePathFS.h"
+#include "files/gwFilePathList.h"
+#include "files/gwFilePathScanner.h"
+#include "support/gwTestEnv.h"
+
+#include <QDir>
+#include <QSignalSpy>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+QString makeTree()
+{
+    const QString root = gwTestRoot() + "/tree";
+    QDir().mkpath(root + "/sub");
+    QDir().mkpath(root + "/other");
+    for (const char* name : {"a.tif", "b.jpg"}) {
+        QFile file(root + "/" + name);
+        file.open(QIODevice::WriteOnly);
+        file.write("12345");
+    }
+    QFile::link(root + "/a.tif", root + "/link.tif");
+    QFile::link(root + "/link.tif", root + "/chain.tif");
+    QFile::link(root + "/sub", root + "/linkdir");
+    QFile::link(root + "/gone", root + "/broken");
+    QFile::link(root + "/loop1", root + "/loop2");
+    QFile::link(root + "/loop2", root + "/loop1");
+    return root;
+}
+
+QMap<QString, SgwFileInfo> byName(const CgwFileInfoList& list)
+{
+    QMap<QString, SgwFileInfo> names;
+    for (const auto& entry : list)
+        names.insert(entry.second.name, entry.second);
+    return names;
+}
+
+} // namespace
+
+TEST(Locations, ListingFollowsLinksAndKeepsTheirNames)
+{
+    const QString root = makeTree();
+    CgwFilePathFS disk;
+    const QMap<QString, SgwFileInfo> files = byName(disk.listFiles("file:" + root));
+    EXPECT_EQ(files.keys(), (QStringList{"a.tif", "b.jpg", "chain.tif", "link.tif"}))
+        << "broken links and loops are left out";
+    EXPECT_EQ(files["link.tif"].size, 5);
+    EXPECT_FALSE(files["a.tif"].date.isNull());
+    const QMap<QString, SgwFileInfo> folders = byName(disk.listFolders("file:" + root));
+    EXPECT_EQ(folders.keys(), (QStringList{"linkdir", "other", "sub"}));
+    EXPECT_TRUE(folders["sub"].isFolder);
+
+    EXPECT_TRUE(disk.listFiles("scnr:" + root).empty()) << "another scheme lists nothing";
+    EXPECT_TRUE(disk.listFiles("file:" + root + "/absent").empty());
+}
+
+TEST(Locations, RootsListMountedVolumes)
+{
+    CgwFilePathFS disk;
+    const CgwFileInfoList volumes = disk.listFolders("file:");
+    ASSERT_FALSE(volumes.empty());
+    bool rootFound = false;
+    for (const auto& entry : volumes) {
+        EXPECT_TRUE(entry.first.startsWith("file:/"));
+        EXPECT_TRUE(entry.second.name.startsWith(entry.first.mid(5) + " - "));
+        rootFound = rootFound || entry.first == "file:/";
+    }
+    EXPECT_TRUE(rootFound);
+
+    CgwFilePathScanner scanners;
+    const CgwFileInfoList scannerRoot = scanners.listFolders("scnr:");
+    ASSERT_EQ(scannerRoot.size(), volumes.size());
+    EXPECT_TRUE(scannerRoot.front().first.startsWith("scnr:/"));
+    EXPECT_TRUE(scannerRoot.front().second.name.isEmpty()) << "scanner volumes have empty records";
+    EXPECT_EQ(scanners.displayName(), "All scanners");
+}
+
+TEST(Locations, RequestsWhileAWorkerRunsAreQueuedAndAnswered)
+{
+    const QString root = makeTree();
+    // A folder large enough that the first worker is still busy.
+    QDir().mkpath(root + "/many");
+    for (int i = 0; i < 3000; ++i) {
+        QFile file(QStringLiteral("%1/many/f%2").arg(root).arg(i));
+        file.open(QIODevice::WriteOnly);
+    }
+    CgwFilePathFS disk;
+    QSignalSpy ready(&disk, &CgwFilePathBase::signalListReady);
+    disk.requestFiles("file:" + root + "/many");
+    disk.requestFiles("file:" + root);
+    disk.requestFolders("file:" + root);
+    for (int i = 0; i < 50 && ready.count() < 3; ++i)
+        ready.wait(200);
+    ASSERT_EQ(ready.count(), 3);
+    EXPECT_EQ(ready.at(0).at(0).value<CgwFileInfoList>().size(), 3000u);
+    EXPECT_TRUE(ready.at(0).at(1).toBool());
+    EXPECT_EQ(byName(ready.at(1).at(0).value<CgwFileInfoList>()).keys(),
+              (QStringList{"a.tif", "b.jpg", "chain.tif", "link.tif"}));
+    EXPECT_FALSE(ready.at(2).at(1).toBool());
+    EXPECT_EQ(ready.at(2).at(0).value<CgwFileInfoList>().size(), 4u);
+}
