@@ -12,8 +12,11 @@ QString CgwFilePathFS::displayName() const
 
 CgwFile* CgwFilePathFS::createFile(const QString& path, bool)
 {
-    // Whatever the scheme, the first five characters are the scheme's.
-    return new CgwFileFS(path.mid(5));
+    // Whatever the scheme, the first five characters are the scheme's. The
+    // file keeps the whole location string as its path.
+    auto* file = new CgwFileFS(path.mid(5));
+    file->setPath(path);
+    return file;
 }
 
 bool CgwFilePathFS::removeFile(const QString& path)

@@ -21,6 +21,16 @@ template <class Pixel>
 CgwBitmapBlinkT<Pixel>::~CgwBitmapBlinkT() = default;
 
 template <class Pixel>
+bool CgwBitmapBlinkT<Pixel>::createStorage(const QSize& size, int colorMode)
+{
+    if (!CgwBitmapT<Pixel>::createBitmap(size, colorMode, 0))
+        return false;
+    mFirstRow = 0;
+    mEndRow = size.height();
+    return true;
+}
+
+template <class Pixel>
 void CgwBitmapBlinkT<Pixel>::reset(bool freeAll)
 {
     CgwBitmapT<Pixel>::reset(freeAll);

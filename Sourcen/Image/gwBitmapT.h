@@ -129,6 +129,8 @@ public:
     void reset(bool freeAll) override;
     bool createBitmap(const QSize&, int, unsigned) override { return false; }
     bool createGradient(int) override { return false; }
+    // A band of its own: storage for the whole size, as the format readers make it.
+    bool createStorage(const QSize& size, int colorMode);
     CgwArrayT<unsigned char> getLine(int y) const override { return CgwBitmapT<Pixel>::getLine(y); }
     CgwArrayT<Pixel> line(int y) const override;
 
@@ -140,3 +142,27 @@ private:
     int mFirstRow = 0; // rows of the source, end exclusive
     int mEndRow = 0;
 };
+
+// The bitmaps are instantiated once, in gwBitmapT_8bit/16bit/float.cpp;
+// every other file uses those instances.
+#define GW_EXTERN_BITMAP(Pixel)                \
+    extern template class CgwBitmapT<Pixel>;   \
+    extern template class CgwBitmapBlinkT<Pixel>;
+GW_EXTERN_BITMAP(CgwPixel8x4)
+GW_EXTERN_BITMAP(CgwPixelGrey8)
+GW_EXTERN_BITMAP(CgwPixelLineArt)
+GW_EXTERN_BITMAP(CgwPixel8x2)
+GW_EXTERN_BITMAP(CgwPixel16x4)
+GW_EXTERN_BITMAP(CgwPixel16x3)
+GW_EXTERN_BITMAP(CgwPixelGrey16Type)
+GW_EXTERN_BITMAP(CgwPixel16x2)
+GW_EXTERN_BITMAP(CgwPixelFloat4)
+GW_EXTERN_BITMAP(CgwPixelGreyFloat)
+GW_EXTERN_BITMAP(CgwPixelFloat1x255)
+GW_EXTERN_BITMAP(CgwPixelFloat1x65535)
+GW_EXTERN_BITMAP(CgwPixelFloat2x255)
+GW_EXTERN_BITMAP(CgwPixelFloat2x65535)
+GW_EXTERN_BITMAP(CgwPixelFloat3x65535)
+GW_EXTERN_BITMAP(CgwPixelFloat4x255)
+GW_EXTERN_BITMAP(CgwPixelFloat4x65535)
+#undef GW_EXTERN_BITMAP
