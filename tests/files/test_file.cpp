@@ -8,14 +8,6 @@
 
 namespace {
 
-QString writeBytes(const QString& name, const QByteArray& bytes)
-{
-    const QString path = gwTestRoot() + "/" + name;
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-    return path;
-}
 
 QByteArray hundredBytes()
 {
@@ -29,7 +21,7 @@ QByteArray hundredBytes()
 
 TEST(File, SeekIsHeldToTheFile)
 {
-    CgwFileFS disk(writeBytes("seek.bin", hundredBytes()));
+    CgwFileFS disk(gwWriteTestFile("seek.bin", hundredBytes()));
     CgwFileBuffer memory(hundredBytes());
     for (CgwFile* file : {static_cast<CgwFile*>(&disk), static_cast<CgwFile*>(&memory)}) {
         ASSERT_TRUE(file->open(QIODevice::ReadOnly));
@@ -79,7 +71,7 @@ TEST(File, NumbersFollowTheByteOrder)
 
 TEST(File, WrongModesFailWithoutHarm)
 {
-    const QString path = writeBytes("modes.bin", "content");
+    const QString path = gwWriteTestFile("modes.bin", "content");
     CgwFileFS writeOnly(path);
     ASSERT_TRUE(writeOnly.open(QIODevice::WriteOnly | QIODevice::Append));
     char byte;
@@ -105,7 +97,7 @@ TEST(File, WrongModesFailWithoutHarm)
 
 TEST(File, RegistryHandsOutFilesByScheme)
 {
-    const QString path = writeBytes("scheme.bin", "abc");
+    const QString path = gwWriteTestFile("scheme.bin", "abc");
     CgwFilePathList& list = CgwFilePathList::instance();
     std::unique_ptr<CgwFile> disk(list.createFile("file:" + path));
     ASSERT_TRUE(disk && disk->open(QIODevice::ReadOnly));

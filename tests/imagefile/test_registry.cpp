@@ -15,14 +15,6 @@
 
 namespace {
 
-QString writeFile(const QString& name, const QByteArray& bytes)
-{
-    const QString path = gwTestRoot() + "/" + name;
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-    return path;
-}
 
 QByteArray lastLogLine()
 {
@@ -46,11 +38,11 @@ TEST(Registry, DetectionWalksTheFormatsByHeader)
         {"missing.bmp", QByteArray(), 0},
     };
     for (const auto& c : cases) {
-        const QString path = c.bytes.isNull() ? gwTestRoot() + "/" + c.name : writeFile(c.name, c.bytes);
+        const QString path = c.bytes.isNull() ? gwTestRoot() + "/" + c.name : gwWriteTestFile(c.name, c.bytes);
         EXPECT_EQ(list.imageFileType("file:" + path, 0), c.type) << c.name;
     }
     // The header is read at the offset.
-    const QString embedded = writeFile("embedded.bin", QByteArray("xxxxBM"));
+    const QString embedded = gwWriteTestFile("embedded.bin", QByteArray("xxxxBM"));
     EXPECT_EQ(list.imageFileType("file:" + embedded, 4), EgwImageFileBMP);
     EXPECT_EQ(list.imageFileType("file:" + embedded, 0), 0);
 }
@@ -119,8 +111,8 @@ TEST(Registry, CreatorVersionAndTemporaryNames)
 
 TEST(Registry, MoveToTargetReplacesInOneStep)
 {
-    const QString target = writeFile("target.tif", "old");
-    const QString temp = writeFile("temp.tif", "new");
+    const QString target = gwWriteTestFile("target.tif", "old");
+    const QString temp = gwWriteTestFile("temp.tif", "new");
     EXPECT_TRUE(CgwImageFileBase::moveToTarget(temp, "file:" + target));
     EXPECT_EQ(gwReadFile(target), QByteArray("new"));
     EXPECT_FALSE(QFile::exists(temp));
@@ -138,7 +130,7 @@ TEST(Registry, MoveToTargetReplacesInOneStep)
     }
 
     // A move that cannot happen removes the target and keeps the temporary file, as required.
-    const QString kept = writeFile("kept.tif", "data");
+    const QString kept = gwWriteTestFile("kept.tif", "data");
     EXPECT_FALSE(CgwImageFileBase::moveToTarget(kept, "file:" + gwTestRoot() + "/no/such/folder/x.tif"));
     EXPECT_TRUE(QFile::exists(kept));
 }

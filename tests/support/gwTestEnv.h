@@ -16,3 +16,6 @@ QString gwTestLogPath();
 
 // The whole content of a file; empty when it cannot be read.
 QByteArray gwReadFile(const QString& path);
+
+// Writes `bytes` to `name` below the test root and returns the full path.
+QString gwWriteTestFile(const QString& name, const QByteArray& bytes);
