@@ -15,3 +15,63 @@ bool CgwExif::hasHDRFlag() const
 {
     return hasTag(CgwMakerNote::kExifTag) && getGWMakerNotValueByTag(0xC005) != 0.0f;
 }
+
+namespace {
+CgwMakerNote noteOf(const CgwExif& exif)
+{
+    return CgwMakerNote(exif.getValue(CgwMakerNote::kExifTag).data);
+}
+} // namespace
+
+bool CgwExif::getMakerNoteRecord(int index, quint16* tag, quint8* format, quint8* third, qint32* value) const
+{
+    if (!hasTag(CgwMakerNote::kExifTag))
+        return false;
+    CgwMakerNote::Record record;
+    if (!noteOf(*this).record(index, &record))
+        return false;
+    if (tag)
+        *tag = record.tag;
+    if (format)
+        *format = record.format;
+    if (third)
+        *third = record.third;
+    if (value)
+        *value = record.value;
+    return true;
+}
+
+void CgwExif::resetMakerNote()
+{
+    const QByteArray empty = CgwMakerNote::emptyBlock();
+    setValue(CgwMakerNote::kExifTag, CgwExifValue{7, quint32(empty.size()), empty});
+}
+
+bool CgwExif::setMakerNoteInt(quint16 tag, quint8 format, qint32 value)
+{
+    if (format > 1)
+        return false;
+    CgwMakerNote note = noteOf(*this);
+    note.setRecord(tag, format, value);
+    setValue(CgwMakerNote::kExifTag, CgwExifValue{7, quint32(note.block().size()), note.block()});
+    return true;
+}
+
+bool CgwExif::setMakerNoteFloat(quint16 tag, quint8 format, float value)
+{
+    if (format > 1)
+        return false;
+    CgwMakerNote note = noteOf(*this);
+    note.setFloatRecord(tag, format, value);
+    setValue(CgwMakerNote::kExifTag, CgwExifValue{7, quint32(note.block().size()), note.block()});
+    return true;
+}
+
+bool CgwExif::removeMakerNoteRecord(quint16 tag)
+{
+    CgwMakerNote note = noteOf(*this);
+    if (!note.removeRecord(tag))
+        return false;
+    setValue(CgwMakerNote::kExifTag, CgwExifValue{7, quint32(note.block().size()), note.block()});
+    return true;
+}

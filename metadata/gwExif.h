@@ -34,6 +34,14 @@ public:
     float getGWMakerNotValueByTag(quint16 tag, bool* found = nullptr) const;
     bool hasHDRFlag() const;
 
+    // The maker note's records. Setting one on an Exif without a note, or
+    // with a foreign one, starts an empty note first.
+    bool getMakerNoteRecord(int index, quint16* tag, quint8* format, quint8* third, qint32* value) const;
+    bool setMakerNoteInt(quint16 tag, quint8 format, qint32 value);
+    bool setMakerNoteFloat(quint16 tag, quint8 format, float value);
+    bool removeMakerNoteRecord(quint16 tag);
+    void resetMakerNote();
+
 private:
     QMap<quint16, CgwExifValue> mValues;
     quint16 mByteOrder = kLittleEndian;

@@ -35,6 +35,18 @@ public:
     // The first record of `tag`, as a float: divided by 10000 for format 1.
     float valueByTag(quint16 tag, bool* found) const;
 
+    // "NVI1", no records, "NORD".
+    static QByteArray emptyBlock();
+    void reset() { mBlock = emptyBlock(); }
+    // Adds a record behind all others, after removing every record of the
+    // same tag. A block without the signature (a foreign note) is replaced by
+    // an empty one first. False for formats other than 0 and 1.
+    bool setRecord(quint16 tag, quint8 format, qint32 value);
+    // In single precision: value * 10000 rounded for format 1, truncated for format 0.
+    bool setFloatRecord(quint16 tag, quint8 format, float value);
+    // True when a record of the tag was there.
+    bool removeRecord(quint16 tag);
+
 private:
     QByteArray mBlock;
 };

@@ -1,0 +1,109 @@
+// Writing the suite's maker note: records added behind the others, replaced
+// by tag, foreign notes discarded on the first write.
+
+#include "metadata/gwExif.h"
+#include "metadata/gwMakerNote.h"
+#include "metadata/gwMemBufferT.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct Rec {
+    quint16 tag;
+    quint8 format;
+    qint32 value;
+};
+
+std::vector<Rec> records(const CgwExif& exif)
+{
+    std::vector<Rec> out;
+    Rec r{};
+    quint8 third = 0;
+    for (int i = 0; exif.getMakerNoteRecord(i, &r.tag, &r.format, &third, &r.value); ++i) {
+        EXPECT_EQ(third, 1) << "written records carry 1 in their third byte";
+        out.push_back(r);
+    }
+    return out;
+}
+
+QByteArray noteBlock(const CgwExif& exif)
+{
+    return exif.getValue(CgwMakerNote::kExifTag).data;
+}
+
+} // namespace
+
+TEST(MakerNote, EmptyNoteIsTenBytes)
+{
+    CgwExif exif;
+    exif.resetMakerNote();
+    EXPECT_EQ(noteBlock(exif), QByteArray("NVI1\0\0NORD", 10));
+    EXPECT_EQ(exif.getValue(CgwMakerNote::kExifTag).type, 7);
+    bool found = true;
+    EXPECT_EQ(exif.getGWMakerNotValueByTag(0xC001, &found), 0.0f);
+    EXPECT_FALSE(found);
+    EXPECT_FALSE(exif.getMakerNoteRecord(0, nullptr, nullptr, nullptr, nullptr));
+}
+
+TEST(MakerNote, SettingATagAgainMovesItToTheEnd)
+{
+    CgwExif exif; // no note yet: the first record starts one
+    EXPECT_TRUE(exif.setMakerNoteInt(0xC005, 0, 1));
+    EXPECT_TRUE(exif.setMakerNoteInt(0xC008, 0, 4000));
+    EXPECT_TRUE(exif.setMakerNoteFloat(0xC005, 0, 2.7f)); // truncated: 2
+    const std::vector<Rec> r = records(exif);
+    ASSERT_EQ(r.size(), 2u);
+    EXPECT_EQ(r[0].tag, 0xC008);
+    EXPECT_EQ(r[1].tag, 0xC005);
+    EXPECT_EQ(r[1].value, 2);
+    EXPECT_EQ(noteBlock(exif).size(), 10 + 8 * 2);
+    EXPECT_TRUE(noteBlock(exif).endsWith("NORD"));
+    EXPECT_EQ(exif.getValue(CgwMakerNote::kExifTag).count, 26u);
+}
+
+TEST(MakerNote, FixedPointRecordsInSinglePrecision)
+{
+    CgwExif exif;
+    ASSERT_TRUE(exif.setMakerNoteFloat(0xC001, 1, 2.2f));
+    EXPECT_EQ(records(exif).front().value, 22000);
+    EXPECT_FLOAT_EQ(exif.getGWMakerNotValueByTag(0xC001), 2.2f);
+    ASSERT_TRUE(exif.setMakerNoteInt(0xC00F, 1, 1)); // the negative flag: a raw 1 under format 1
+    EXPECT_FLOAT_EQ(exif.getGWMakerNotValueByTag(0xC00F), 0.0001f);
+    EXPECT_FALSE(exif.setMakerNoteInt(0xC002, 2, 5));
+    EXPECT_FALSE(exif.setMakerNoteFloat(0xC002, 7, 5.0f));
+    EXPECT_EQ(records(exif).size(), 2u);
+}
+
+TEST(MakerNote, ForeignNotesAreKeptByReadingAndDiscardedByWriting)
+{
+    CgwExif exif;
+    const QByteArray foreign("Nikon\0\x02\x10\0\0MM\0*", 16);
+    exif.setValue(CgwMakerNote::kExifTag, CgwExifValue{7, quint32(foreign.size()), foreign});
+    bool found = true;
+    EXPECT_EQ(exif.getGWMakerNotValueByTag(0xC005, &found), 0.0f);
+    EXPECT_FALSE(found);
+    EXPECT_EQ(noteBlock(exif), foreign) << "reading leaves it alone";
+    EXPECT_FALSE(exif.removeMakerNoteRecord(0xC005));
+    ASSERT_TRUE(exif.setMakerNoteInt(0xC005, 0, 1));
+    EXPECT_TRUE(noteBlock(exif).startsWith("NVI1"));
+    EXPECT_EQ(records(exif).size(), 1u);
+    EXPECT_TRUE(exif.hasHDRFlag());
+    EXPECT_TRUE(exif.removeMakerNoteRecord(0xC005));
+    EXPECT_FALSE(exif.hasHDRFlag());
+    EXPECT_EQ(noteBlock(exif), CgwMakerNote::emptyBlock());
+}
+
+TEST(MakerNote, MemBufferInsertsAndRemoves)
+{
+    CgwMemBufferT<unsigned char> buffer;
+    const unsigned char abc[] = {'a', 'b', 'c'};
+    buffer.append(abc, 3);
+    const unsigned char xy[] = {'x', 'y'};
+    EXPECT_TRUE(buffer.insertAt(1, xy, 2));
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(buffer.data()), buffer.size()), "axybc");
+    EXPECT_FALSE(buffer.insertAt(9, xy, 2));
+    EXPECT_TRUE(buffer.removeRange(1, 3));
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(buffer.data()), buffer.size()), "abc");
+    EXPECT_FALSE(buffer.removeRange(2, 9));
+}
