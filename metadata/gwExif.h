@@ -3,6 +3,11 @@
 #include "metadata/gwExifValue.h"
 
 #include <QMap>
+#include <QSet>
+
+#include <vector>
+
+class CgwFile;
 
 // One image's TIFF/Exif tags, ordered by tag; the maker note is the value of
 // tag 0x927C.
@@ -34,6 +39,15 @@ public:
     float getGWMakerNotValueByTag(quint16 tag, bool* found = nullptr) const;
     bool hasHDRFlag() const;
 
+    // Reads the IFD of `page` from a stream that stands at a TIFF header.
+    // False for a bad byte-order word or a first offset below 8.
+    bool readFromStream(CgwFile& stream, int page = 0);
+    // One IFD at the stream's position and whatever hangs from it.
+    void readIfd(CgwFile& stream, bool parseMakerNotes, bool highNibble);
+    // One record for each IFD of the chain; empty for a bad header.
+    static std::vector<CgwExif> readAllPages(CgwFile& stream);
+    qint64 baseOffset() const { return mBaseOffset; }
+
     // The maker note's records. Setting one on an Exif without a note, or
     // with a foreign one, starts an empty note first.
     bool getMakerNoteRecord(int index, quint16* tag, quint8* format, quint8* third, qint32* value) const;
@@ -43,6 +57,11 @@ public:
     void resetMakerNote();
 
 private:
+    void readMakerNote(CgwFile& stream, quint16 tag, qint64 offset);
+    bool readItems(CgwFile& stream, const CgwExifValue& shape, QByteArray& data);
+
     QMap<quint16, CgwExifValue> mValues;
+    qint64 mBaseOffset = 0;
+    QSet<qint64> mVisited; // IFDs read by this pass; a chain that loops ends
     quint16 mByteOrder = kLittleEndian;
 };
