@@ -7,7 +7,12 @@
 
 #include <vector>
 
+class CgwBitmapBase;
 class CgwFile;
+
+// The TIFF type of a tag the suite knows, or 0: a tag that is not known is
+// never set and never written.
+int gwExifKnownTagType(quint16 tag);
 
 // One image's TIFF/Exif tags, ordered by tag; the maker note is the value of
 // tag 0x927C.
@@ -48,6 +53,27 @@ public:
     static std::vector<CgwExif> readAllPages(CgwFile& stream);
     qint64 baseOffset() const { return mBaseOffset; }
 
+    // Setters for known tags, in the tag's type; false for unknown tags.
+    bool setIntValue(quint16 tag, qint64 value);
+    bool setRationalValue(quint16 tag, double value);
+    bool setTextValue(quint16 tag, const QString& text);
+    // Item `index` of a value as a number; rationals divided out. 0 when missing.
+    qint64 getInt(quint16 tag, int index = 0) const;
+    double getDouble(quint16 tag, int index = 0) const;
+    bool getRational(quint16 tag, int index, qint32* numerator, qint32* denominator) const;
+
+    // The tags the next write may emit.
+    void selectWritableTags();
+    void selectExifTagsOnly();
+    const std::vector<quint16>& tagList() const { return mTagList; }
+    // A TIFF header and the IFD, in this record's byte order; offsets count
+    // from the start of `block`.
+    bool writeTiffBlock(QByteArray& block);
+    // One IFD of the qualifying tags at `offset`, with its data behind it.
+    bool writeIfd(QByteArray& block, int level, quint32 offset);
+    // The default tags of a new file made from the bitmap.
+    void fillFromBitmap(const CgwBitmapBase& bitmap);
+
     // The maker note's records. Setting one on an Exif without a note, or
     // with a foreign one, starts an empty note first.
     bool getMakerNoteRecord(int index, quint16* tag, quint8* format, quint8* third, qint32* value) const;
@@ -60,6 +86,9 @@ private:
     void readMakerNote(CgwFile& stream, quint16 tag, qint64 offset);
     bool readItems(CgwFile& stream, const CgwExifValue& shape, QByteArray& data);
 
+    bool writeIfdAt(QByteArray& block, int level, quint32 offset, int depth);
+
+    std::vector<quint16> mTagList;
     QMap<quint16, CgwExifValue> mValues;
     qint64 mBaseOffset = 0;
     QSet<qint64> mVisited; // IFDs read by this pass; a chain that loops ends
