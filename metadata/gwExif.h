@@ -51,6 +51,13 @@ public:
     void readIfd(CgwFile& stream, bool parseMakerNotes, bool highNibble);
     // One record for each IFD of the chain; empty for a bad header.
     static std::vector<CgwExif> readAllPages(CgwFile& stream);
+    // Repairs a maker note whose entry is damaged, from the stream standing
+    // at the TIFF header: the note found within forty bytes behind the first
+    // entry of the Exif or GPS IFD is stored, and where its count and offset
+    // belong is reported for a caller that may patch the file. `ifdOffset`
+    // -1 takes the first IFD from the header. The stream is left where it was.
+    bool recoverMakerNote(CgwFile& stream, qint64* countPosition, qint64* length, qint64* offset,
+                          qint64 ifdOffset = -1);
     qint64 baseOffset() const { return mBaseOffset; }
 
     // Setters for known tags, in the tag's type; false for unknown tags.
@@ -84,6 +91,7 @@ public:
 
 private:
     void readMakerNote(CgwFile& stream, quint16 tag, qint64 offset);
+    bool recoverFrom(CgwFile& stream, qint64 ifdOffset, qint64* countPosition, qint64* length, qint64* offset);
     bool readItems(CgwFile& stream, const CgwExifValue& shape, QByteArray& data);
 
     bool writeIfdAt(QByteArray& block, int level, quint32 offset, int depth);
