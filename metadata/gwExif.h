@@ -81,6 +81,14 @@ public:
     // The default tags of a new file made from the bitmap.
     void fillFromBitmap(const CgwBitmapBase& bitmap);
 
+    // The browser's text of a tag, with its unit; "Not available" when the
+    // tag is missing or has no text.
+    QString getValueAsText(quint16 tag) const;
+    // The placeholder the browser's templates use for a tag, and its label.
+    static QString textKey(quint16 tag);
+    static QString textLabel(quint16 tag);
+    static int textTableSize();
+
     // The maker note's records. Setting one on an Exif without a note, or
     // with a foreign one, starts an empty note first.
     bool getMakerNoteRecord(int index, quint16* tag, quint8* format, quint8* third, qint32* value) const;
