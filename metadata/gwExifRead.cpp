@@ -28,6 +28,10 @@ bool startsWith(const char* block, const char* text, size_t n)
 bool CgwExif::readItems(CgwFile& stream, const CgwExifValue& shape, QByteArray& data)
 {
     const int size = gwExifTypeSize(shape.type);
+    if (size <= 0) { // type 0 has no items to read
+        data.clear();
+        return size == 0;
+    }
     data.resize(int(qint64(size) * shape.count));
     char* out = data.data();
     for (quint32 i = 0; i < shape.count; ++i, out += size) {
