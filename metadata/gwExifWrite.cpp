@@ -166,7 +166,8 @@ qint64 CgwExif::getInt(quint16 tag, int index) const
     case 8: { qint16 x; std::memcpy(&x, p, 2); return x; }
     case 4: case 13: { quint32 x; std::memcpy(&x, p, 4); return x; }
     case 9: { qint32 x; std::memcpy(&x, p, 4); return x; }
-    default: return qint64(getDouble(tag, index));
+    case 5: case 10: case 11: case 12: return qint64(getDouble(tag, index));
+    default: return 0; // text and undefined bytes are no number
     }
 }
 
@@ -205,7 +206,10 @@ double CgwExif::getDouble(quint16 tag, int index) const
         std::memcpy(&x, v.data.constData() + 8 * index, 8);
         return x;
     }
-    return double(getInt(tag, index));
+    switch (v.type) {
+    case 1: case 3: case 4: case 6: case 8: case 9: case 13: return double(getInt(tag, index));
+    default: return 0.0;
+    }
 }
 
 void CgwExif::selectWritableTags()
