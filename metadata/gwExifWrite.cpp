@@ -13,6 +13,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <limits>
 #include <numeric>
 
 namespace {
@@ -100,6 +101,18 @@ void appendNumber(QByteArray& out, quint32 value, int bytes, bool bigEndian)
     out.append(bigEndian ? b + 4 - bytes : b, bytes);
 }
 
+// A file's float as an integer, held to the range instead of undefined.
+qint64 heldToInt64(double value)
+{
+    if (!(value == value))
+        return 0;
+    if (value >= 9.2e18)
+        return std::numeric_limits<qint64>::max();
+    if (value <= -9.2e18)
+        return std::numeric_limits<qint64>::min();
+    return qint64(value);
+}
+
 } // namespace
 
 int gwExifKnownTagType(quint16 tag)
@@ -125,8 +138,8 @@ bool CgwExif::setIntValue(quint16 tag, qint64 value)
 bool CgwExif::setRationalValue(quint16 tag, double value)
 {
     const int type = gwExifKnownTagType(tag);
-    if (type != 5 && type != 10)
-        return false;
+    if ((type != 5 && type != 10) || !std::isfinite(value) || std::fabs(value) > 2.0e5)
+        return false; // four decimals must fit the 32-bit numerator
     // Four decimals are kept; the fraction is reduced.
     qint64 numerator = std::llround(value * 10000.0);
     qint64 denominator = 10000;
@@ -166,7 +179,7 @@ qint64 CgwExif::getInt(quint16 tag, int index) const
     case 8: { qint16 x; std::memcpy(&x, p, 2); return x; }
     case 4: case 13: { quint32 x; std::memcpy(&x, p, 4); return x; }
     case 9: { qint32 x; std::memcpy(&x, p, 4); return x; }
-    case 5: case 10: case 11: case 12: return qint64(getDouble(tag, index));
+    case 5: case 10: case 11: case 12: return heldToInt64(getDouble(tag, index));
     default: return 0; // text and undefined bytes are no number
     }
 }
