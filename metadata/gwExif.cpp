@@ -21,6 +21,11 @@ CgwMakerNote noteOf(const CgwExif& exif)
 {
     return CgwMakerNote(exif.getValue(CgwMakerNote::kExifTag).data);
 }
+
+void storeNote(CgwExif& exif, const CgwMakerNote& note)
+{
+    exif.setValue(CgwMakerNote::kExifTag, CgwExifValue{7, quint32(note.block().size()), note.block()});
+}
 } // namespace
 
 bool CgwExif::getMakerNoteRecord(int index, quint16* tag, quint8* format, quint8* third, qint32* value) const
@@ -43,8 +48,7 @@ bool CgwExif::getMakerNoteRecord(int index, quint16* tag, quint8* format, quint8
 
 void CgwExif::resetMakerNote()
 {
-    const QByteArray empty = CgwMakerNote::emptyBlock();
-    setValue(CgwMakerNote::kExifTag, CgwExifValue{7, quint32(empty.size()), empty});
+    storeNote(*this, CgwMakerNote(CgwMakerNote::emptyBlock()));
 }
 
 bool CgwExif::setMakerNoteInt(quint16 tag, quint8 format, qint32 value)
@@ -53,7 +57,7 @@ bool CgwExif::setMakerNoteInt(quint16 tag, quint8 format, qint32 value)
         return false;
     CgwMakerNote note = noteOf(*this);
     note.setRecord(tag, format, value);
-    setValue(CgwMakerNote::kExifTag, CgwExifValue{7, quint32(note.block().size()), note.block()});
+    storeNote(*this, note);
     return true;
 }
 
@@ -63,7 +67,7 @@ bool CgwExif::setMakerNoteFloat(quint16 tag, quint8 format, float value)
         return false;
     CgwMakerNote note = noteOf(*this);
     note.setFloatRecord(tag, format, value);
-    setValue(CgwMakerNote::kExifTag, CgwExifValue{7, quint32(note.block().size()), note.block()});
+    storeNote(*this, note);
     return true;
 }
 
@@ -72,6 +76,6 @@ bool CgwExif::removeMakerNoteRecord(quint16 tag)
     CgwMakerNote note = noteOf(*this);
     if (!note.removeRecord(tag))
         return false;
-    setValue(CgwMakerNote::kExifTag, CgwExifValue{7, quint32(note.block().size()), note.block()});
+    storeNote(*this, note);
     return true;
 }
