@@ -13,17 +13,6 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-
-
-QByteArray lastLogLine()
-{
-    const QList<QByteArray> lines = gwReadFile(gwTestLogPath()).trimmed().split('\n');
-    return lines.isEmpty() ? QByteArray() : lines.last().mid(25);
-}
-
-} // namespace
-
 TEST(Registry, DetectionWalksTheFormatsByHeader)
 {
     CgwImageFileList& list = CgwImageFileList::instance();
@@ -50,12 +39,12 @@ TEST(Registry, DetectionWalksTheFormatsByHeader)
 TEST(Registry, UnknownFormatsGiveNullAndOneLogLine)
 {
     EXPECT_EQ(CgwImageFileList::instance().createImageFile(99), nullptr);
-    EXPECT_EQ(lastLogLine(), "gwDebug: CgwImageFileList::createImageFile not available 99");
+    EXPECT_EQ(gwLastLogLine(), "gwDebug: CgwImageFileList::createImageFile not available 99");
     std::unique_ptr<CgwImageFileBase> bmp(CgwImageFileList::instance().createImageFile(EgwImageFileBMP));
     ASSERT_NE(bmp, nullptr);
     EXPECT_EQ(bmp->fileExtensions(), std::vector<std::string>{"bmp"});
     EXPECT_EQ(bmp->loadBitmapIR(QStringLiteral("file:/x.bmp"), 0), nullptr);
-    EXPECT_EQ(lastLogLine(), "gwDebug: CgwImageFileBase::loadBitmapIR: This file format does not support IR");
+    EXPECT_EQ(gwLastLogLine(), "gwDebug: CgwImageFileBase::loadBitmapIR: This file format does not support IR");
 }
 
 TEST(Registry, CropAndParameters)

@@ -63,3 +63,9 @@ QString gwWriteTestFile(const QString& name, const QByteArray& bytes)
         file.write(bytes);
     return path;
 }
+
+QByteArray gwLastLogLine()
+{
+    const QList<QByteArray> lines = gwReadFile(gwTestLogPath()).trimmed().split('\n');
+    return lines.isEmpty() ? QByteArray() : lines.last().mid(25);
+}

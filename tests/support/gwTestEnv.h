@@ -17,5 +17,8 @@ QString gwTestLogPath();
 // The whole content of a file; empty when it cannot be read.
 QByteArray gwReadFile(const QString& path);
 
+// The message of the log's last line, without its time stamp.
+QByteArray gwLastLogLine();
+
 // Writes `bytes` to `name` below the test root and returns the full path.
 QString gwWriteTestFile(const QString& name, const QByteArray& bytes);

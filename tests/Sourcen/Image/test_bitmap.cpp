@@ -13,12 +13,6 @@ using Rgb8 = CgwBitmapT<CgwPixel8x4>;
 using Rgb16 = CgwBitmapT<CgwPixel16x3>;
 using Grey16 = CgwBitmapT<CgwPixelGrey16Type>;
 
-QByteArray lastLogLine()
-{
-    const QList<QByteArray> lines = gwReadFile(gwTestLogPath()).trimmed().split('\n');
-    return lines.isEmpty() ? QByteArray() : lines.last().mid(25);
-}
-
 // Pixel (x, y) holds x, y, x + y in its first three samples.
 template <class Bitmap>
 void fillPattern(Bitmap& bitmap)
@@ -72,9 +66,9 @@ TEST(Bitmap, BaseAccessorsReportBadValues)
     Rgb16 bitmap;
     bitmap.setGamma(-1.0f);
     EXPECT_EQ(bitmap.gamma(), 0.0f);
-    EXPECT_EQ(lastLogLine(), "gwDebug: CgwBitmapBase::setGamma error: inGamma input not valid! Setting to 0.");
+    EXPECT_EQ(gwLastLogLine(), "gwDebug: CgwBitmapBase::setGamma error: inGamma input not valid! Setting to 0.");
     bitmap.setFilterRadius(24);
-    EXPECT_EQ(lastLogLine(), "gwDebug: CgwBitmapBase::setFilterRadius : Error: Given radius is out of range!");
+    EXPECT_EQ(gwLastLogLine(), "gwDebug: CgwBitmapBase::setFilterRadius : Error: Given radius is out of range!");
     EXPECT_EQ(bitmap.filterRadius(), 0);
 
     ASSERT_TRUE(bitmap.createBitmap(QSize(4, 4), EgwColorModeRGB, 0));
@@ -82,7 +76,7 @@ TEST(Bitmap, BaseAccessorsReportBadValues)
     EXPECT_FALSE(bitmap.isLegalPosition(QPoint(-24, 0)));
     EXPECT_FALSE(bitmap.isLegalPosition(QPoint(0, 27)));
     EXPECT_TRUE(bitmap.getPixelRef(-24, 0).isNull());
-    EXPECT_TRUE(lastLogLine().endsWith("Pixel at [-24][0] cannot be found!"));
+    EXPECT_TRUE(gwLastLogLine().endsWith("Pixel at [-24][0] cannot be found!"));
     bitmap.getPixelRef(26, -23)->s[1] = 5;
     EXPECT_EQ(bitmap.line(-23)[26].s[1], 5);
 }
@@ -169,13 +163,13 @@ TEST(Bitmap, IncompatibleModesAndTypes)
     Rgb8 lab;
     ASSERT_TRUE(lab.createBitmap(QSize(8, 8), EgwColorModeLab, 0));
     EXPECT_FALSE(lab.setBlock(QPoint(0, 0), rgb));
-    EXPECT_EQ(lastLogLine(), "gwDebug: CgwBitmapT::setBlock : Error: Incompatible color modes!");
+    EXPECT_EQ(gwLastLogLine(), "gwDebug: CgwBitmapT::setBlock : Error: Incompatible color modes!");
     Rgb8 unknown;
     ASSERT_TRUE(unknown.createBitmap(QSize(8, 8), EgwColorModeUnknown, 0));
     EXPECT_FALSE(unknown.setBlock(QPoint(0, 0), rgb));
-    EXPECT_EQ(lastLogLine(), "gwDebug: CgwBitmapT::setBlock : Error: Output color mode unknown!");
+    EXPECT_EQ(gwLastLogLine(), "gwDebug: CgwBitmapT::setBlock : Error: Output color mode unknown!");
     EXPECT_FALSE(grey.setBlock(QPoint(0, 0), unknown));
-    EXPECT_EQ(lastLogLine(), "gwDebug: CgwBitmapT::setBlockFromOtherTypeBmp : Error: Input color mode unknown!");
+    EXPECT_EQ(gwLastLogLine(), "gwDebug: CgwBitmapT::setBlockFromOtherTypeBmp : Error: Input color mode unknown!");
     EXPECT_FALSE(Rgb8().setBlock(QPoint(0, 0), rgb)) << "uninitialised target";
 }
 
@@ -206,11 +200,11 @@ TEST(Bitmap, SwapCloneAndAssignment)
     Rgb8 small;
     ASSERT_TRUE(small.createBitmap(QSize(4, 5), EgwColorModeRGB, 1));
     small = b;
-    EXPECT_EQ(lastLogLine(),
+    EXPECT_EQ(gwLastLogLine(),
               "gwDebug: CgwBitmapT::operator= : Error: Did not copy data: Size and/or max. filter radius did not match!");
     Rgb8 empty;
     static_cast<Rgb8&>(*copy) = empty;
-    EXPECT_EQ(lastLogLine(),
+    EXPECT_EQ(gwLastLogLine(),
               "gwDebug: CgwBitmapT::operator= : Error: Did not copy data: Size and/or max. filter radius did not match!");
 }
 

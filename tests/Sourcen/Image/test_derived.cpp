@@ -5,14 +5,6 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-QByteArray lastLogLine()
-{
-    const QList<QByteArray> lines = gwReadFile(gwTestLogPath()).trimmed().split('\n');
-    return lines.isEmpty() ? QByteArray() : lines.last().mid(25);
-}
-} // namespace
-
 TEST(Derived, ThumbnailSizesAndSampling)
 {
     const struct {
@@ -37,7 +29,7 @@ TEST(Derived, ThumbnailSizesAndSampling)
         std::unique_ptr<CgwBitmapBase> thumbnail(bitmap.getThumbnail(c.maxSize));
         if (c.thumbnail.isEmpty()) {
             EXPECT_EQ(thumbnail, nullptr);
-            EXPECT_TRUE(lastLogLine().endsWith(c.message)) << lastLogLine().constData();
+            EXPECT_TRUE(gwLastLogLine().endsWith(c.message)) << gwLastLogLine().constData();
             continue;
         }
         ASSERT_NE(thumbnail, nullptr);
@@ -74,7 +66,7 @@ TEST(Derived, QImageShowsTheScannedRowsAndLeavesTheRestTransparent)
     CgwBitmapT<CgwPixel8x2> twoChannel;
     ASSERT_TRUE(twoChannel.createBitmap(QSize(2, 2), EgwColorModeTwoChannel, 0));
     EXPECT_TRUE(twoChannel.toQImage().isNull());
-    EXPECT_EQ(lastLogLine(), "gwDebug: CgwBitmapT::toQImage : Error: Unsupported bitmap format (8 bits per channel)!");
+    EXPECT_EQ(gwLastLogLine(), "gwDebug: CgwBitmapT::toQImage : Error: Unsupported bitmap format (8 bits per channel)!");
 }
 
 TEST(Derived, CreateBitmapFromReusesOrConverts)
@@ -86,7 +78,7 @@ TEST(Derived, CreateBitmapFromReusesOrConverts)
 
     CgwBitmapT<CgwPixel8x4> other;
     ASSERT_TRUE(other.createBitmapFrom(source, true));
-    EXPECT_EQ(lastLogLine(), "gwDebug: CgwBitmapT<>::createBitmapFrom : Info': Could not reuse input bitmap's memory.");
+    EXPECT_EQ(gwLastLogLine(), "gwDebug: CgwBitmapT<>::createBitmapFrom : Info': Could not reuse input bitmap's memory.");
     EXPECT_EQ(other.line(2)[2].s[0], 255);
     EXPECT_EQ(other.line(2)[2].s[2], 1);
     EXPECT_EQ(other.gamma(), 1.8f);
@@ -101,7 +93,7 @@ TEST(Derived, CreateBitmapFromReusesOrConverts)
     EXPECT_EQ(same.line(2)[2].s[0], 65535);
 
     EXPECT_FALSE(other.createBitmapFrom(source, false));
-    EXPECT_EQ(lastLogLine(), "gwDebug: CgwBitmapT<>::createBitmapFrom : Error: Input bitmap is not legal!");
+    EXPECT_EQ(gwLastLogLine(), "gwDebug: CgwBitmapT<>::createBitmapFrom : Error: Input bitmap is not legal!");
     CgwBitmapT<CgwPixel8x4> cmyk;
     ASSERT_TRUE(cmyk.createBitmap(QSize(2, 2), EgwColorModeCMYK, 0));
     CgwBitmapT<CgwPixel16x3> three;
