@@ -43,6 +43,10 @@ class CgwFilterOptions : public QObject, public CgwSingleton<CgwFilterOptions>
     friend class CgwSingleton<CgwFilterOptions>;
 
 public:
+    // The gamma values the application accepts, both ends included.
+    static constexpr double kMinimumGamma = 0.2;
+    static constexpr double kMaximumGamma = 5.0;
+
     ~CgwFilterOptions() override;
 
     // The defaults of the licence's version type.

@@ -4,6 +4,7 @@
 
 #include <QList>
 #include <QMap>
+#include <QMetaType>
 
 class QIODevice;
 
@@ -37,6 +38,8 @@ public:
     bool getValue(const QString& key, CgwQString& value) const;
     bool getValue(const QString& key, QString& value) const;
     bool hasKey(const QString& key) const { return mValues.contains(key); }
+    // The first key in order; empty for an empty set.
+    QString firstKey() const { return mValues.isEmpty() ? QString() : mValues.firstKey().toQString(); }
     // The raw value; empty when the key is missing.
     CgwQString value(const QString& key) const { return mValues.value(key); }
     void setValue(const QString& key, const CgwQString& value) { mValues[key] = value; }
@@ -87,3 +90,4 @@ public:
 private:
     Map mValues;
 };
+Q_DECLARE_METATYPE(CgwParameterSet)

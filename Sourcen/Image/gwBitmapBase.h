@@ -84,6 +84,7 @@ public:
     CgwBitmapHead head() const { return mHead; }
     QSize size() const { return mHead.mSize; }
     int colorMode() const { return mHead.mColorMode; }
+    int bitDepth() const { return mHead.mBitDepth; }
     int filterRadius() const { return mFilterRadius; }
     QPointF resolution() const { return mHead.mResolution; }
     void setResolution(const QPointF& resolution) { mHead.mResolution = resolution; }
