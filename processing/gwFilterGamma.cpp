@@ -9,6 +9,7 @@
 #include <QCoreApplication>
 
 #include <cmath>
+#include <mutex>
 #include <cstring>
 
 namespace {
@@ -44,7 +45,7 @@ bool CgwFilterGamma::setParameterHelper(const CgwParameterSet& params, bool dire
     // Both ways take the lock: the running thread reads the live values when
     // it finishes, so even the direct way from the user interface must not
     // write them unguarded.
-    QWriteLocker locker(&mLock);
+    std::unique_lock<std::shared_mutex> locker(mLock);
     const bool againstFrozen = !direct && mFrozen;
     bool changed = false;
     double gamma = 0.0;
@@ -72,7 +73,7 @@ bool CgwFilterGamma::setParameterHelper(const CgwParameterSet& params, bool dire
 
 void CgwFilterGamma::validateParameters()
 {
-    QWriteLocker locker(&mLock);
+    std::unique_lock<std::shared_mutex> locker(mLock);
     if (!insideGammaRange(mGammaIn)) {
         mGammaIn = 1.0;
         gwDebugString(QStringLiteral("Warning: CgwFilterGamma has reset input gamma value to default."));
@@ -85,7 +86,7 @@ void CgwFilterGamma::validateParameters()
 void CgwFilterGamma::setDefaults()
 {
     const double target = CgwFilterOptions::instance().gamma();
-    QWriteLocker locker(&mLock);
+    std::unique_lock<std::shared_mutex> locker(mLock);
     mGammaIn = 1.0;
     mGammaOut = target;
     mUseBmpGamma = false;
@@ -94,7 +95,7 @@ void CgwFilterGamma::setDefaults()
 CgwFilterBase* CgwFilterGamma::clone() const
 {
     auto* copy = new CgwFilterGamma(mId, mAbortFlag);
-    QReadLocker locker(&mLock);
+    std::shared_lock<std::shared_mutex> locker(mLock);
     copy->mGammaOut = mGammaOut;
     copy->mGammaIn = mGammaIn;
     copy->mUseBmpGamma = mUseBmpGamma;
@@ -115,7 +116,7 @@ bool CgwFilterGamma::prepareRun(const CgwBitmapList& inBitmaps)
 {
     if (!inBitmaps.isEmpty() && inBitmaps.first())
         mBitmapGamma = double(inBitmaps.first()->gamma());
-    QWriteLocker locker(&mLock);
+    std::unique_lock<std::shared_mutex> locker(mLock);
     mFrozenGammaOut = mGammaOut;
     mFrozenGammaIn = mGammaIn;
     mFrozenUseBmpGamma = mUseBmpGamma;
@@ -125,7 +126,7 @@ bool CgwFilterGamma::prepareRun(const CgwBitmapList& inBitmaps)
 
 void CgwFilterGamma::frozenGammas(double& source, double& target) const
 {
-    QReadLocker locker(&mLock);
+    std::shared_lock<std::shared_mutex> locker(mLock);
     source = mFrozenUseBmpGamma ? mBitmapGamma : mFrozenGammaIn;
     target = mFrozenGammaOut;
 }
@@ -160,7 +161,7 @@ bool CgwFilterGamma::prepareExecute(const CgwBitmapList& inBitmaps, const CgwBit
 
 bool CgwFilterGamma::finishExecute(const CgwBitmapList&, const CgwBitmapList& outBitmaps)
 {
-    QReadLocker locker(&mLock);
+    std::shared_lock<std::shared_mutex> locker(mLock);
     if (!outBitmaps.isEmpty() && outBitmaps.first())
         outBitmaps.first()->setGamma(float(mFrozenGammaOut));
     const bool editedMeanwhile = differsByRatio(mFrozenGammaOut, mGammaOut)
@@ -171,7 +172,7 @@ bool CgwFilterGamma::finishExecute(const CgwBitmapList&, const CgwBitmapList& ou
 
 void CgwFilterGamma::endRun()
 {
-    QWriteLocker locker(&mLock);
+    std::unique_lock<std::shared_mutex> locker(mLock);
     mFrozen = false;
 }
 
@@ -185,7 +186,7 @@ void CgwFilterGamma::setParameters(const CgwParameterSet& params)
 
 void CgwFilterGamma::getParameters(CgwParameterSet& params) const
 {
-    QReadLocker locker(&mLock);
+    std::shared_lock<std::shared_mutex> locker(mLock);
     params.setDouble(GgwParam_GammaIn, double(float(mFrozen ? mFrozenGammaIn : mGammaIn)));
     params.setDouble(GgwParam_GammaOut, double(float(mFrozen ? mFrozenGammaOut : mGammaOut)));
     params.setBool(GgwParam_UseBmpGamma, mFrozen ? mFrozenUseBmpGamma : mUseBmpGamma);
@@ -193,7 +194,7 @@ void CgwFilterGamma::getParameters(CgwParameterSet& params) const
 
 bool CgwFilterGamma::isNeeded() const
 {
-    QReadLocker locker(&mLock);
+    std::shared_lock<std::shared_mutex> locker(mLock);
     if (!mFrozen)
         return mUseBmpGamma || differsByRatio(mGammaIn, mGammaOut);
     return differsByRatio(mFrozenUseBmpGamma ? mBitmapGamma : mFrozenGammaIn, mFrozenGammaOut);
@@ -224,24 +225,24 @@ QString CgwFilterGamma::displayName() const
 
 double CgwFilterGamma::gammaIn() const
 {
-    QReadLocker locker(&mLock);
+    std::shared_lock<std::shared_mutex> locker(mLock);
     return mGammaIn;
 }
 
 double CgwFilterGamma::gammaOut() const
 {
-    QReadLocker locker(&mLock);
+    std::shared_lock<std::shared_mutex> locker(mLock);
     return mGammaOut;
 }
 
 bool CgwFilterGamma::useBmpGamma() const
 {
-    QReadLocker locker(&mLock);
+    std::shared_lock<std::shared_mutex> locker(mLock);
     return mUseBmpGamma;
 }
 
 bool CgwFilterGamma::isFrozen() const
 {
-    QReadLocker locker(&mLock);
+    std::shared_lock<std::shared_mutex> locker(mLock);
     return mFrozen;
 }

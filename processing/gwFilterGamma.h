@@ -3,9 +3,8 @@
 #include "processing/gwFilterBase.h"
 #include "processing/gwFilterIds.h"
 
-#include <QReadWriteLock>
-
 #include <memory>
+#include <shared_mutex>
 
 class CgwFilterInterfaceGamma;
 
@@ -67,7 +66,9 @@ private:
     double mFrozenGammaOut = 2.2;
     double mFrozenGammaIn = 1.0;
     bool mFrozenUseBmpGamma = false;
-    mutable QReadWriteLock mLock; // the six values above and mFrozen
+    // Over the six values above and mFrozen. A standard lock, so that the
+    // thread checker sees it.
+    mutable std::shared_mutex mLock;
     std::unique_ptr<int[]> mLut;
     quint64 mLutSteps = 0;
     double mBitmapGamma = 0.0;

@@ -3,10 +3,9 @@
 #include "diagnostics/gwAssert.h"
 #include "diagnostics/gwDebug.h"
 
-#include <QMutex>
-
 #include <cmath>
 #include <memory>
+#include <mutex>
 #include <new>
 
 namespace {
@@ -14,7 +13,7 @@ namespace {
 // The powers of the last gamma, shared by every gamma filter: previews of a
 // scan repeat the same gamma, and 65536 calls of pow are what it saves.
 struct SgwGammaCache {
-    QMutex mutex;
+    std::mutex mutex;
     quint64 steps = 0;
     double gamma = 0.0;
     std::unique_ptr<double[]> table;
@@ -47,7 +46,7 @@ void CgwFilterGamma::fillGammaLutT(quint64 inSteps, double gamma, bool allocate,
     const double scale = double(outSteps - 1);
     const double exponent = 1.0 / gamma;
     SgwGammaCache& cache = gammaCache();
-    QMutexLocker locker(&cache.mutex);
+    std::lock_guard<std::mutex> locker(cache.mutex);
     const bool valid = cache.table && !differsByRatio(cache.gamma, gamma) && cache.steps == inSteps;
     if (!valid) {
         cache.table.reset();
