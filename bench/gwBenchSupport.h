@@ -1,0 +1,24 @@
+#pragma once
+
+// Timing helpers shared by the benchmark programs: every figure is printed
+// beside a plain memcpy of the same bytes measured in the same run.
+
+#include <cstddef>
+#include <functional>
+
+// Best of three after one warm-up run, in seconds; `prepare` runs before
+// each run, outside the timing.
+double gwBestTime(const std::function<void()>& work, const std::function<void()>& prepare = {});
+
+// One timed run, in seconds.
+double gwTimeOnce(const std::function<void()>& work);
+
+struct SgwMemcpyBaselines {
+    double warm; // into resident pages
+    double cold; // into pages touched for the first time
+};
+SgwMemcpyBaselines gwMemcpyTimes(size_t bytes);
+void gwPrintBaselines(size_t bytes, const SgwMemcpyBaselines& base);
+
+// One line: name, storage, kind, throughput and its ratio to the baseline.
+void gwReport(const char* name, const char* storage, const char* kind, double bytes, double seconds, double baseline);
