@@ -1,5 +1,10 @@
 #include "gwBenchSupport.h"
 
+#include "settings/gwFilterOptions.h"
+#include "settings/gwParamKeys.h"
+
+#include <QThread>
+
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -56,4 +61,27 @@ void gwReport(const char* name, const char* storage, const char* kind, double by
 {
     std::printf("%-30s %-6s %-4s %8.0f MB/s  %5.2f x memcpy\n", name, storage, kind, bytes / seconds / 1e6,
                 baseline / seconds);
+}
+
+SgwBenchSetup gwBenchSetup(int argc, char** argv)
+{
+    const double megapixels = argc > 1 ? std::atof(argv[1]) : 51.2;
+    const int width = 8000;
+    SgwBenchSetup setup;
+    setup.size = QSize(width, int(megapixels * 1e6 / width));
+    setup.bytes = size_t(setup.size.width()) * size_t(setup.size.height()) * 6;
+    std::printf("16-bit RGB bitmap %d x %d (%.1f million pixels, %.0f MB), %d worker threads\n", setup.size.width(),
+                setup.size.height(), setup.size.width() * double(setup.size.height()) / 1e6, setup.bytes / 1e6,
+                QThread::idealThreadCount());
+    setup.base = gwMemcpyTimes(setup.bytes);
+    gwPrintBaselines(setup.bytes, setup.base);
+    return setup;
+}
+
+void gwRunInMemoryAndMapped(const std::function<void(const char*)>& cases)
+{
+    CgwFilterOptions::instance().setOption(GgwParam_MMFRamLimit, 1 << 20);
+    cases("memory");
+    CgwFilterOptions::instance().setOption(GgwParam_MMFRamLimit, 0);
+    cases("mapped");
 }

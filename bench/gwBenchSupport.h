@@ -3,6 +3,8 @@
 // Timing helpers shared by the benchmark programs: every figure is printed
 // beside a plain memcpy of the same bytes measured in the same run.
 
+#include <QSize>
+
 #include <cstddef>
 #include <functional>
 
@@ -22,3 +24,16 @@ void gwPrintBaselines(size_t bytes, const SgwMemcpyBaselines& base);
 
 // One line: name, storage, kind, throughput and its ratio to the baseline.
 void gwReport(const char* name, const char* storage, const char* kind, double bytes, double seconds, double baseline);
+
+// The 16-bit RGB test bitmap, 8000 pixels wide, sized by the first argument
+// in megapixels (default 51.2), and memcpy of its bytes; both printed.
+struct SgwBenchSetup {
+    QSize size;
+    size_t bytes;
+    SgwMemcpyBaselines base;
+};
+SgwBenchSetup gwBenchSetup(int argc, char** argv);
+
+// Runs `cases(storage)` once with the bitmaps in memory and once in mapped
+// files (MMFRamLimit 0); storage is "memory" or "mapped".
+void gwRunInMemoryAndMapped(const std::function<void(const char*)>& cases);

@@ -12,11 +12,8 @@
 #include "gwBenchSupport.h"
 
 #include "Sourcen/Image/gwBitmapT.h"
-#include "settings/gwFilterOptions.h"
-#include "settings/gwParamKeys.h"
 
 #include <QCoreApplication>
-#include <QThread>
 
 #include <cstdio>
 #include <malloc.h>
@@ -70,18 +67,8 @@ void runCases(const char* storage, const QSize& size, const SgwMemcpyBaselines& 
 int main(int argc, char** argv)
 {
     QCoreApplication app(argc, argv);
-    const double megapixels = argc > 1 ? std::atof(argv[1]) : 51.2;
-    const int width = 8000;
-    const QSize size(width, int(megapixels * 1e6 / width));
-    const size_t bytes = size_t(size.width()) * size.height() * sizeof(CgwPixel16x3);
-    std::printf("16-bit RGB bitmap %d x %d (%.1f million pixels, %.0f MB), %d worker threads\n", size.width(),
-                size.height(), size.width() * double(size.height()) / 1e6, bytes / 1e6, QThread::idealThreadCount());
-    const SgwMemcpyBaselines base = gwMemcpyTimes(bytes);
-    gwPrintBaselines(bytes, base);
+    const SgwBenchSetup setup = gwBenchSetup(argc, argv);
 
-    CgwFilterOptions::instance().setOption(GgwParam_MMFRamLimit, 1 << 20);
-    runCases("memory", size, base);
-    CgwFilterOptions::instance().setOption(GgwParam_MMFRamLimit, 0);
-    runCases("mapped", size, base);
+    gwRunInMemoryAndMapped([&](const char* storage) { runCases(storage, setup.size, setup.base); });
     return 0;
 }

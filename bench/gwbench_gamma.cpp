@@ -9,11 +9,9 @@
 
 #include "Sourcen/Image/gwBitmapT.h"
 #include "processing/gwFilterGamma.h"
-#include "settings/gwFilterOptions.h"
 #include "settings/gwParamKeys.h"
 
 #include <QCoreApplication>
-#include <QThread>
 
 #include <cstdio>
 #include <memory>
@@ -32,11 +30,12 @@ void fill(Rgb16& bitmap)
     }
 }
 
-std::unique_ptr<CgwFilterGamma> linearisingFilter()
+// A filter taking data of `gammaIn` to linear.
+std::unique_ptr<CgwFilterGamma> linearisingFilter(double gammaIn)
 {
     auto filter = std::make_unique<CgwFilterGamma>();
     CgwParameterSet params;
-    params.setDouble(GgwParam_GammaIn, 2.2);
+    params.setDouble(GgwParam_GammaIn, gammaIn);
     params.setDouble(GgwParam_GammaOut, 1.0);
     filter->setParameters(params);
     return filter;
@@ -48,14 +47,10 @@ void tableCase()
     Rgb16 small;
     small.createBitmap(QSize(4, 4), EgwColorModeRGB, 0);
     const auto build = [&](double gammaIn) {
-        CgwFilterGamma filter;
-        CgwParameterSet params;
-        params.setDouble(GgwParam_GammaIn, gammaIn);
-        params.setDouble(GgwParam_GammaOut, 1.0);
-        filter.setParameters(params);
-        filter.prepareRun({&small});
-        const double seconds = gwTimeOnce([&] { filter.prepareExecute({&small}, {&small}); });
-        filter.endRun();
+        const auto filter = linearisingFilter(gammaIn);
+        filter->prepareRun({&small});
+        const double seconds = gwTimeOnce([&] { filter->prepareExecute({&small}, {&small}); });
+        filter->endRun();
         return seconds;
     };
     const double first = build(2.4);  // the cache holds nothing for 2.4 yet
@@ -75,7 +70,7 @@ void runCases(const char* storage, const QSize& size, const SgwMemcpyBaselines& 
     }
     fill(source);
     fill(target);
-    const auto filter = linearisingFilter();
+    const auto filter = linearisingFilter(2.2);
     gwReport("gamma 2.2 to 1.0 in place", storage, "warm", bytes,
              gwBestTime([&] { filter->run({&source}, {&source}); }), base.warm);
     gwReport("gamma 2.2 to 1.0 into second", storage, "warm", bytes,
@@ -87,19 +82,9 @@ void runCases(const char* storage, const QSize& size, const SgwMemcpyBaselines& 
 int main(int argc, char** argv)
 {
     QCoreApplication app(argc, argv);
-    const double megapixels = argc > 1 ? std::atof(argv[1]) : 51.2;
-    const int width = 8000;
-    const QSize size(width, int(megapixels * 1e6 / width));
-    const size_t bytes = size_t(size.width()) * size.height() * sizeof(CgwPixel16x3);
-    std::printf("16-bit RGB bitmap %d x %d (%.1f million pixels, %.0f MB), %d worker threads\n", size.width(),
-                size.height(), size.width() * double(size.height()) / 1e6, bytes / 1e6, QThread::idealThreadCount());
-    const SgwMemcpyBaselines base = gwMemcpyTimes(bytes);
-    gwPrintBaselines(bytes, base);
+    const SgwBenchSetup setup = gwBenchSetup(argc, argv);
 
     tableCase();
-    CgwFilterOptions::instance().setOption(GgwParam_MMFRamLimit, 1 << 20);
-    runCases("memory", size, base);
-    CgwFilterOptions::instance().setOption(GgwParam_MMFRamLimit, 0);
-    runCases("mapped", size, base);
+    gwRunInMemoryAndMapped([&](const char* storage) { runCases(storage, setup.size, setup.base); });
     return 0;
 }

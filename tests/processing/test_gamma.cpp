@@ -3,7 +3,6 @@
 #include "support/gwTestEnv.h"
 
 #include "Sourcen/Image/gwBitmapT.h"
-#include "diagnostics/gwDebug.h"
 #include "processing/gwFilterGamma.h"
 #include "processing/gwFilterInterfaceGamma.h"
 #include "settings/gwFilterOptions.h"
@@ -35,14 +34,6 @@ CgwParameterSet gammas(double in, double out)
     return params;
 }
 
-// Lines of the log so far; the first call opens it, so that its header is
-// not counted as a message.
-int logLines()
-{
-    static const bool sOpened = (gwDebugString(QStringLiteral("test: log opened")), true);
-    Q_UNUSED(sOpened);
-    return int(gwReadFile(gwTestLogPath()).count('\n'));
-}
 
 } // namespace
 
@@ -144,11 +135,11 @@ TEST(GammaFilter, OutOfRangeValuesAreMendedOneAtATime)
 {
     CgwFilterOptions::instance().setGamma(2.2);
     CgwFilterGamma filter;
-    const int before = logLines();
+    const int before = gwLogLineCount();
     filter.setParameters(gammas(7.0, 0.1));
     EXPECT_EQ(filter.gammaIn(), 1.0);
     EXPECT_EQ(filter.gammaOut(), 0.1);
-    EXPECT_EQ(logLines(), before + 1);
+    EXPECT_EQ(gwLogLineCount(), before + 1);
     EXPECT_EQ(gwLastLogLine(), "gwDebug: Warning: CgwFilterGamma has reset input gamma value to default.");
 
     filter.validateParameters();
@@ -156,11 +147,11 @@ TEST(GammaFilter, OutOfRangeValuesAreMendedOneAtATime)
     EXPECT_EQ(gwLastLogLine(), "gwDebug: Warning: CgwFilterGamma has reset target gamma value to default.");
 
     // Both ends of the range are allowed.
-    const int quiet = logLines();
+    const int quiet = gwLogLineCount();
     filter.setParameters(gammas(0.2, 5.0));
     EXPECT_EQ(filter.gammaIn(), 0.2);
     EXPECT_EQ(filter.gammaOut(), 5.0);
-    EXPECT_EQ(logLines(), quiet);
+    EXPECT_EQ(gwLogLineCount(), quiet);
 }
 
 TEST(GammaFilter, IsNeededLiveAndFrozen)

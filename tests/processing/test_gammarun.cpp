@@ -5,7 +5,6 @@
 
 #include "Sourcen/Image/gwAbortFlag.h"
 #include "Sourcen/Image/gwBitmapT.h"
-#include "diagnostics/gwDebug.h"
 #include "processing/gwFilterGamma.h"
 #include "processing/gwFilterInterfaceGamma.h"
 #include "settings/gwParamKeys.h"
@@ -60,14 +59,6 @@ QByteArray samplesOf(const CgwBitmapT<Pixel>& bitmap)
     return bitmap.getData();
 }
 
-// Lines of the log so far; the first call opens it, so that its header is
-// not counted as a message.
-int logLines()
-{
-    static const bool sOpened = (gwDebugString(QStringLiteral("test: log opened")), true);
-    Q_UNUSED(sOpened);
-    return int(gwReadFile(gwTestLogPath()).count('\n'));
-}
 
 } // namespace
 
@@ -110,13 +101,13 @@ TEST(GammaRun, EveryPixelTypeEitherRunsThroughTheTableOrIsDeclined)
         });
         CgwFilterGamma filter;
         filter.setParameters(gammas(1.0, 2.2));
-        const int before = logLines();
+        const int before = gwLogLineCount();
         const bool done = filter.run({in.get()}, {out.get()});
         EXPECT_EQ(done, runs) << type;
         if (!runs) {
             // Float types are declined before a table is made; the others
             // run no loop and say nothing.
-            EXPECT_LE(logLines(), before + (type == 6 || type == 7 ? 1 : 0)) << type;
+            EXPECT_LE(gwLogLineCount(), before + (type == 6 || type == 7 ? 1 : 0)) << type;
             continue;
         }
         EXPECT_EQ(out->gamma(), 2.2f) << type;

@@ -1,5 +1,6 @@
 #include "support/gwTestEnv.h"
 
+#include "diagnostics/gwDebug.h"
 #include "diagnostics/gwSystem.h"
 
 #include <QDir>
@@ -68,4 +69,11 @@ QByteArray gwLastLogLine()
 {
     const QList<QByteArray> lines = gwReadFile(gwTestLogPath()).trimmed().split('\n');
     return lines.isEmpty() ? QByteArray() : lines.last().mid(25);
+}
+
+int gwLogLineCount()
+{
+    static const bool sOpened = (gwDebugString(QStringLiteral("test: log opened")), true);
+    Q_UNUSED(sOpened);
+    return int(gwReadFile(gwTestLogPath()).count('\n'));
 }

@@ -17,6 +17,10 @@ QString gwTestLogPath();
 // The whole content of a file; empty when it cannot be read.
 QByteArray gwReadFile(const QString& path);
 
+// Lines in the log so far. The first call opens the log with a line of its
+// own, so that the header a new log starts with is not counted later.
+int gwLogLineCount();
+
 // The message of the log's last line, without its time stamp.
 QByteArray gwLastLogLine();
 
