@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <atomic>
 #include <limits>
+#include <vector>
 
 namespace {
 
@@ -24,13 +25,13 @@ constexpr bool gammaRunsOn()
 // One row through the table. Indices past the table's end take its last
 // entry; the test is left out when every sample value has an entry.
 template <class Sample, bool clamp>
-void mapRow(const Sample* in, Sample* out, qint64 count, const int* lut, quint64 lutSteps)
+void mapRow(const Sample* in, Sample* out, qint64 count, const Sample* lut, quint64 lutSteps)
 {
     for (qint64 i = 0; i < count; ++i) {
         quint64 index = in[i];
         if (clamp && index >= lutSteps)
             index = lutSteps - 1;
-        out[i] = Sample(lut[index]);
+        out[i] = lut[index];
     }
 }
 
@@ -45,8 +46,10 @@ bool CgwFilterGamma::applyLutT(const CgwBitmapBase& in, CgwBitmapBase& out) cons
     const int width = source.size().width();
     const qint64 samples = qint64(width) * Pixel::kChannels;
     const bool clamp = mLutSteps <= quint64(std::numeric_limits<Sample>::max());
-    const int* lut = mLut.get();
     const quint64 steps = mLutSteps;
+    // The entries cast to the sample's width once: a 16-bit table is half
+    // the size of the int one and stays in the cache.
+    const std::vector<Sample> lut(mLut.get(), mLut.get() + steps);
     std::atomic<bool> stopped{false};
 
     gwRunOverRows(0, source.size().height(), [&](int first, int end) {
@@ -60,9 +63,9 @@ bool CgwFilterGamma::applyLutT(const CgwBitmapBase& in, CgwBitmapBase& out) cons
             const auto* from = reinterpret_cast<const Sample*>(&inRow[0]);
             auto* to = reinterpret_cast<Sample*>(&outRow[0]);
             if (clamp)
-                mapRow<Sample, true>(from, to, samples, lut, steps);
+                mapRow<Sample, true>(from, to, samples, lut.data(), steps);
             else
-                mapRow<Sample, false>(from, to, samples, lut, steps);
+                mapRow<Sample, false>(from, to, samples, lut.data(), steps);
         }
     });
     return !stopped.load();
