@@ -97,6 +97,8 @@ public:
     void setExif(const CgwExif& exif) { mHead.mExif = exif; }
     CgwIptc iptc() const { return mHead.mIptc; }
     void setIptc(const CgwIptc& iptc) { mHead.mIptc = iptc; }
+    CgwProfileBase profile() const { return mHead.mProfile; }
+    void setProfile(const CgwProfileBase& profile) { mHead.mProfile = profile; }
     CgwMakerNote makerNote() const { return mHead.mMakerNote; }
     void setMakerNote(const CgwMakerNote& note) { mHead.mMakerNote = note; }
     CgwParameterSet parameters() const { return mHead.mParameters; }

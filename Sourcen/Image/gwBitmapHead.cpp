@@ -32,6 +32,7 @@ void CgwBitmapHead::copyFields(const CgwBitmapHead& o)
     mMakerNote = o.mMakerNote;
     mExif = o.mExif;
     mIptc = o.mIptc;
+    mProfile = o.mProfile;
     mGamma = o.mGamma;
     mScannerMode = o.mScannerMode;
     mParameters = o.mParameters;

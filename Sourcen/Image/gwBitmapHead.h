@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Sourcen/Image/gwRectT.h"
+#include "colour/gwProfileBase.h"
 #include "metadata/gwExif.h"
 #include "metadata/gwIptc.h"
 #include "metadata/gwMakerNote.h"
@@ -46,6 +47,7 @@ public:
     CgwMakerNote mMakerNote;
     CgwExif mExif;
     CgwIptc mIptc;
+    CgwProfileBase mProfile; // the ICC profile the file carries, if any
     float mGamma = 0.0f; // 0.0 = not known; never negative
     qint32 mScannerMode = 0; // 9 is the file import mode
     CgwParameterSet mParameters;
