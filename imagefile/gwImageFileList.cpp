@@ -3,6 +3,7 @@
 #include "diagnostics/gwDebug.h"
 #include "files/gwFilePathList.h"
 #include "imagefile/gwImageFileBMP.h"
+#include "imagefile/gwImageFileJPG.h"
 
 #include <vector>
 
@@ -10,6 +11,7 @@ CgwImageFileList::CgwImageFileList()
 {
     // Each format joins here when it exists.
     mFactories[EgwImageFileBMP] = std::make_unique<CgwImageFileFactoryBaseT<CgwImageFileBMP>>();
+    mFactories[EgwImageFileJPG] = std::make_unique<CgwImageFileFactoryBaseT<CgwImageFileJPG>>();
 }
 
 CgwImageFileList::~CgwImageFileList() = default;
