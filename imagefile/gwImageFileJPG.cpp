@@ -148,6 +148,7 @@ bool CgwImageFileJPG::readHeader(SgwJpegDecompressor& jpeg, const CgwExif& exif,
 {
     jpeg_save_markers(&jpeg.cinfo, JPEG_APP0 + 2, 0xFFFF);
     jpeg_read_header(&jpeg.cinfo, TRUE);
+    jpeg_calc_output_dimensions(&jpeg.cinfo); // the output components come from here
     const int mode = colorModeOf(jpeg.cinfo);
     if (mode == 0) {
         CgwLogFile::instance().reportError(9);

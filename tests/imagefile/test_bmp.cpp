@@ -4,6 +4,7 @@
 #include "Sourcen/Image/gwBitmapT.h"
 #include "imagefile/gwImageFileBMP.h"
 #include "imagefile/gwImageFileList.h"
+#include "support/gwCorpus.h"
 #include "support/gwTestEnv.h"
 
 #include <QCryptographicHash>
@@ -13,27 +14,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
-struct Reference {
-    QString status;
-    int width = 0;
-    int height = 0;
-    QByteArray rgba8;
-};
-
-QMap<QString, Reference> bmpReferences()
-{
-    QMap<QString, Reference> references;
-    const QList<QByteArray> lines = gwReadFile(GW_CORPUS_DIR "/REFERENCE.tsv").split('\n');
-    for (const QByteArray& line : lines) {
-        const QList<QByteArray> f = line.split('\t');
-        if (f.size() < 12 || !f[0].startsWith("bmp/"))
-            continue;
-        references.insert(QString::fromUtf8(f[0].mid(4)),
-                          Reference{QString::fromUtf8(f[2]), f[4].toInt(), f[5].toInt(), f[11]});
-    }
-    return references;
-}
 
 // The decoded image as top-down 8-bit RGBA. Palette entries land with blue in
 // slot 0, the true-colour paths with red in slot 0.
@@ -69,7 +49,7 @@ TEST(Bmp, EveryCorpusFileReadsWithoutHarm)
     const QDir corpus(GW_CORPUS_DIR "/bmp");
     if (!corpus.exists())
         GTEST_SKIP() << "no corpus at " << GW_CORPUS_DIR;
-    const QMap<QString, Reference> references = bmpReferences();
+    const QMap<QString, SgwCorpusReference> references = gwCorpusReferences("bmp");
     int compared = 0;
     for (const QString& name : corpus.entryList({"*.bmp"}, QDir::Files, QDir::Name)) {
         SCOPED_TRACE(name.toStdString());
@@ -85,12 +65,12 @@ TEST(Bmp, EveryCorpusFileReadsWithoutHarm)
         EXPECT_EQ(type, EgwImageFileBMP);
         if (!name.startsWith("g_") || kByDesign.contains(name))
             continue;
-        const Reference ref = references.value(name);
+        const SgwCorpusReference ref = references.value(name);
         ASSERT_TRUE(bitmap) << "a good file must load";
         EXPECT_EQ(bitmap->size(), QSize(ref.width, ref.height));
         EXPECT_EQ(head.mSize, QSize(ref.width, ref.height));
         if (ref.status == "confirmed") {
-            EXPECT_EQ(rgba8Hash(*bitmap, head.mBitDepth * head.mChannels < 9), ref.rgba8);
+            EXPECT_EQ(rgba8Hash(*bitmap, head.mBitDepth * head.mChannels < 9), ref.sha256Rgba8);
             ++compared;
         }
     }

@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
 
 #include <cstdlib>
 #include <string>
@@ -76,4 +77,14 @@ int gwLogLineCount()
     static const bool sOpened = (gwDebugString(QStringLiteral("test: log opened")), true);
     Q_UNUSED(sOpened);
     return int(gwReadFile(gwTestLogPath()).count('\n'));
+}
+
+QByteArray gwRunProgram(const QString& program, const QStringList& args, int* exitCode)
+{
+    QProcess process;
+    process.start(program, args);
+    const bool finished = process.waitForFinished(120000);
+    if (exitCode)
+        *exitCode = finished && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    return process.readAllStandardOutput();
 }

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 // Makes a private root folder for this test process and points HOME, the XDG
 // folders, TEMP and TMPDIR into it, so that nothing touches the user's files.
@@ -26,3 +27,7 @@ QByteArray gwLastLogLine();
 
 // Writes `bytes` to `name` below the test root and returns the full path.
 QString gwWriteTestFile(const QString& name, const QByteArray& bytes);
+
+// Runs a program to its end and gives its standard output; the exit code
+// goes to `exitCode` (-1 when it did not start or finish).
+QByteArray gwRunProgram(const QString& program, const QStringList& args, int* exitCode = nullptr);
