@@ -64,8 +64,9 @@ TEST(Iptc, ParametersReplaceTheirKeysAndLeaveTheRest)
     EXPECT_EQ(after.values(0x0219), QStringList({"film", "Kodachrome 64", "1972"}));
     // Every dataset the parameters did not name is as it was.
     for (auto it = before.datasets().constBegin(); it != before.datasets().constEnd(); ++it) {
-        if (it.key() != 0x0219 && it.key() != 0x025A)
+        if (it.key() != 0x0219 && it.key() != 0x025A) {
             EXPECT_EQ(after.values(it.key()), it.value()) << std::hex << it.key();
+        }
     }
 }
 
@@ -76,7 +77,7 @@ TEST(Iptc, ARecordWritesBackWhatItRead)
         GTEST_SKIP() << "no corpus";
     CgwIptc record;
     ASSERT_TRUE(record.readIPTC(source));
-    ASSERT_GE(record.datasets().size(), 5);
+    ASSERT_GE(record.datasets().size(), 3);
     const QString target = copyOfIptcJpeg("record.jpg");
     ASSERT_TRUE(record.applyToFile("file:" + target));
     CgwIptc back;
