@@ -63,12 +63,24 @@ QString softwareOf(const CgwExif& exif)
     return QString::fromLatin1(end < 0 ? text : text.left(end));
 }
 
-// One decoded row into the four slots of the bitmap's pixels.
-void copyRow(const JSAMPLE* from, Pixel* to, int width, int components)
+// One decoded row into the four slots of the bitmap's pixels; the fourth
+// slot of three-component pixels is left as it is.
+template <int components>
+void copyRowT(const JSAMPLE* from, Pixel* to, int width)
 {
     for (int x = 0; x < width; ++x, from += components)
         for (int c = 0; c < components; ++c)
             to[x].s[c] = from[c];
+}
+
+void copyRow(const JSAMPLE* from, Pixel* to, int width, int components)
+{
+    switch (components) {
+    case 1: copyRowT<1>(from, to, width); break;
+    case 3: copyRowT<3>(from, to, width); break;
+    case 4: copyRowT<4>(from, to, width); break;
+    default: break;
+    }
 }
 
 } // namespace

@@ -106,6 +106,14 @@ void applyParams(Exiv2::IptcData& iptc, const CgwParameterSet& params)
     }
 }
 
+bool hasIptcParams(const CgwParameterSet& params)
+{
+    for (const SgwIptcParam& row : kParams)
+        if (params.hasKey(row.param))
+            return true;
+    return false;
+}
+
 } // namespace
 
 bool CgwIptc::readIPTC(const QString& location)
@@ -127,6 +135,8 @@ bool CgwIptc::readIPTC(const QString& location)
 
 bool CgwIptc::applyToFile(const QString& location, const CgwParameterSet* params) const
 {
+    if (mValues.isEmpty() && !(params && hasIptcParams(*params)))
+        return true; // nothing to write: the file stays untouched
     return editIptc(location, [&](Exiv2::IptcData& iptc) {
         for (auto it = mValues.constBegin(); it != mValues.constEnd(); ++it) {
             const Exiv2::IptcKey key(quint16(it.key() & 0xFF), quint16(it.key() >> 8));
