@@ -63,24 +63,13 @@ QString softwareOf(const CgwExif& exif)
     return QString::fromLatin1(end < 0 ? text : text.left(end));
 }
 
-// One decoded row into the four slots of the bitmap's pixels; the fourth
-// slot of three-component pixels is left as it is.
-template <int components>
-void copyRowT(const JSAMPLE* from, Pixel* to, int width)
+// libjpeg writes straight into the bitmap's rows: grey into one-slot rows
+// of the grey pixel stride, RGB with a filler byte into the fourth slot,
+// CMYK as it comes. Only grey needs a row of its own, since its pixels
+// still take four slots.
+bool decodesInPlace(const jpeg_decompress_struct& cinfo)
 {
-    for (int x = 0; x < width; ++x, from += components)
-        for (int c = 0; c < components; ++c)
-            to[x].s[c] = from[c];
-}
-
-void copyRow(const JSAMPLE* from, Pixel* to, int width, int components)
-{
-    switch (components) {
-    case 1: copyRowT<1>(from, to, width); break;
-    case 3: copyRowT<3>(from, to, width); break;
-    case 4: copyRowT<4>(from, to, width); break;
-    default: break;
-    }
+    return cinfo.out_color_components == 4 || cinfo.out_color_space == JCS_EXT_RGBX;
 }
 
 } // namespace
@@ -228,19 +217,22 @@ CgwBitmapBase* CgwImageFileJPG::decode(SgwJpegDecompressor& jpeg, const CgwBitma
         CgwLogFile::instance().reportError(5);
         return nullptr;
     }
+    if (jpeg.cinfo.out_color_space == JCS_RGB && jpeg.cinfo.out_color_components == 3)
+        jpeg.cinfo.out_color_space = JCS_EXT_RGBX;
     jpeg_start_decompress(&jpeg.cinfo);
     const int width = int(jpeg.cinfo.output_width);
-    const int components = jpeg.cinfo.output_components;
-    std::vector<JSAMPLE> row(size_t(width) * size_t(components));
-    JSAMPROW rows[1] = {row.data()};
+    const bool inPlace = decodesInPlace(jpeg.cinfo);
+    std::vector<JSAMPLE> grey(inPlace ? 0 : size_t(width));
     while (jpeg.cinfo.output_scanline < jpeg.cinfo.output_height) {
         if (isCanceled()) {
             jpeg_abort_decompress(&jpeg.cinfo);
             return nullptr;
         }
-        const int y = int(jpeg.cinfo.output_scanline);
+        Pixel* target = &bitmap->line(int(jpeg.cinfo.output_scanline))[0];
+        JSAMPROW rows[1] = {inPlace ? reinterpret_cast<JSAMPLE*>(target) : grey.data()};
         jpeg_read_scanlines(&jpeg.cinfo, rows, 1);
-        copyRow(row.data(), &bitmap->line(y)[0], width, components);
+        for (size_t x = 0; x < grey.size(); ++x)
+            target[x].s[0] = grey[x];
     }
     return bitmap.release();
 }
@@ -330,7 +322,9 @@ struct SgwJpegLayout {
     int components;
 };
 
-// The JPEG colour space of a bitmap's mode; RGBA loses its fourth slot.
+// The JPEG colour space of a bitmap's mode, as the rows of its four-slot
+// pixels give it to libjpeg: RGB and RGBA with the fourth slot skipped, so
+// RGBA loses it. Grey comes from one-slot rows.
 bool layoutOf(int mode, SgwJpegLayout& layout)
 {
     switch (mode) {
@@ -339,7 +333,7 @@ bool layoutOf(int mode, SgwJpegLayout& layout)
         return true;
     case EgwColorModeRGB:
     case EgwColorModeRGBA:
-        layout = {JCS_RGB, 3};
+        layout = {JCS_EXT_RGBX, 4};
         return true;
     case EgwColorModeCMYK:
         layout = {JCS_CMYK, 4};
@@ -395,16 +389,16 @@ bool CgwImageFileJPG::writeJpeg(CgwFile& file, const CgwBitmapBase& bitmap)
         gwWriteJpegIccProfile(&jpeg.cinfo, profile.profileBytes());
     writeExifMarker(&jpeg.cinfo, bitmap);
 
-    const int width = bitmap.size().width();
-    const int stride = type == 0 ? 4 : 1;
-    std::vector<JSAMPLE> row(size_t(width) * size_t(layout.components));
-    JSAMPROW rows[1] = {row.data()};
+    // Rows whose pixels are what libjpeg takes go to it as they stand (it
+    // reads and never writes them); grey in four-slot pixels is gathered.
+    const int pixelBytes = type == 0 ? 4 : 1;
+    std::vector<JSAMPLE> gathered(pixelBytes == layout.components ? 0 : size_t(bitmap.size().width()));
     for (int y = 0; y < bitmap.size().height(); ++y) {
         const CgwArrayT<unsigned char> line = bitmap.getLine(y);
         const unsigned char* from = &line[0];
-        for (int x = 0; x < width; ++x)
-            for (int c = 0; c < layout.components; ++c)
-                row[size_t(x * layout.components + c)] = from[x * stride + c];
+        for (size_t x = 0; x < gathered.size(); ++x)
+            gathered[x] = from[x * size_t(pixelBytes)];
+        JSAMPROW rows[1] = {gathered.empty() ? const_cast<JSAMPLE*>(from) : gathered.data()};
         jpeg_write_scanlines(&jpeg.cinfo, rows, 1);
     }
     jpeg_finish_compress(&jpeg.cinfo);
