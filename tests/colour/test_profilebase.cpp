@@ -1,0 +1,259 @@
+// Profiles as values: reading from memory and files, the facts taken from
+// the header, descriptions and their fallbacks, writing out, and the handle
+// that copies share.
+
+#include "colour/gwEngineProfile.h"
+#include "colour/gwProfileBase.h"
+#include "diagnostics/gwLogFile.h"
+#include "gwTestProfiles.h"
+#include "support/gwTestEnv.h"
+
+#include <QFile>
+#include <QVariant>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+CgwProfileBase fromBytes(const QByteArray& bytes)
+{
+    CgwProfileBase profile;
+    profile.setFromMemory(reinterpret_cast<const unsigned char*>(bytes.constData()), bytes.size());
+    return profile;
+}
+
+QByteArray withLengthField(QByteArray bytes, quint32 length)
+{
+    for (int i = 0; i < 4; ++i)
+        bytes[i] = char(length >> (24 - 8 * i));
+    return bytes;
+}
+
+QString writeProfile(const QString& name, const QByteArray& bytes)
+{
+    return gwWriteTestFile(QStringLiteral("profiles/") + name, bytes);
+}
+
+} // namespace
+
+TEST(ProfileBase, TheLengthFieldCutsABlockButNeverReachesPastTheData)
+{
+    const QByteArray srgb = gwSRGBProfileBytes();
+    const qint64 n = srgb.size();
+    const struct {
+        const char* what;
+        QByteArray data;
+        qint64 size;
+        qint64 kept;
+        bool valid;
+    } cases[] = {
+        {"exact", srgb, n, n, true},
+        {"data longer than the field", srgb + QByteArray(300, 'x'), n + 300, n, true},
+        {"field longer than the data", withLengthField(srgb, quint32(n + 500)), n, n, true},
+        {"size below the data", srgb, n - 200, n - 200, false},
+        {"field of zero", withLengthField(srgb, 0), n, 0, false},
+    };
+    for (const auto& c : cases) {
+        const CgwProfileBase profile = fromBytes(c.data.left(int(c.size)));
+        EXPECT_TRUE(profile.isBufferProfile()) << c.what;
+        EXPECT_EQ(profile.bufferSize(), c.kept) << c.what;
+        EXPECT_EQ(profile.isValid(), c.valid) << c.what;
+        EXPECT_EQ(profile.isEmbeddable(), c.valid) << c.what;
+        EXPECT_EQ(profile.profileBytes(), c.data.left(int(c.kept))) << c.what;
+    }
+}
+
+TEST(ProfileBase, ColourSpaceAndClassDecideModeRolesAndValidity)
+{
+    const struct {
+        const char* what;
+        QByteArray bytes;
+        int mode;
+        bool source, destination, valid;
+    } cases[] = {
+        {"sRGB display", gwSRGBProfileBytes(), 3, true, true, true},
+        {"grey display", gwGrayProfileBytes(), 1, true, true, true},
+        {"CMY printer", gwLutProfileBytes(cmsSigOutputClass, cmsSigCmyData), 4, false, true, true},
+        {"CMYK printer", gwLutProfileBytes(cmsSigOutputClass, cmsSigCmykData), 6, false, true, true},
+        {"RGB scanner", gwLutProfileBytes(cmsSigInputClass, cmsSigRgbData), 3, true, false, true},
+        {"RGB colour space", gwLutProfileBytes(cmsSigColorSpaceClass, cmsSigRgbData), 3, true, true, true},
+        {"Lab abstract", gwLabIdentityBytes(), 5, true, true, true},
+        {"CMYK device link", gwInkLimitingLinkBytes(), 6, false, false, false},
+        {"HSV display", gwLutProfileBytes(cmsSigDisplayClass, cmsSigHsvData), 0, true, true, false},
+        {"XYZ abstract", gwXYZIdentityBytes(), 0, true, true, false},
+    };
+    for (const auto& c : cases) {
+        ASSERT_FALSE(c.bytes.isEmpty()) << c.what;
+        CgwProfileBase profile = fromBytes(c.bytes);
+        EXPECT_EQ(profile.isValid(), c.valid) << c.what;
+        // The facts stay readable after validity is lost, for a message.
+        EXPECT_EQ(profile.colorMode(), c.mode) << c.what;
+        EXPECT_EQ(profile.canBeSource(), c.source) << c.what;
+        EXPECT_EQ(profile.canBeDestination(), c.destination) << c.what;
+    }
+}
+
+TEST(ProfileBase, DescriptionFallsBackToTheFileNameAndThenToUnnamed)
+{
+    const QByteArray srgb = gwSRGBProfileBytes();
+    const QByteArray bare = gwWithDescription(srgb, QString());
+    const QString unnamed = QStringLiteral("Unnamed (maybe broken)");
+    const struct {
+        const char* what;
+        CgwProfileBase profile;
+        QString text;
+        bool fromElement;
+    } cases[] = {
+        {"mluc in memory", fromBytes(srgb), QStringLiteral("sRGB built-in"), true},
+        {"desc of version 2", fromBytes(gwAsVersion2(srgb)), QStringLiteral("sRGB built-in"), true},
+        {"file without desc", CgwProfileBase::fromFile(writeProfile(QStringLiteral("Film Stock.v2.icc"), bare)),
+         QStringLiteral("Film Stock.v2"), false},
+        {"memory without desc", fromBytes(bare), unnamed, false},
+        {"empty", CgwProfileBase(), unnamed, false},
+    };
+    for (const auto& c : cases) {
+        QString text;
+        EXPECT_EQ(c.profile.getDescription(text), c.fromElement) << c.what;
+        EXPECT_EQ(text, c.text) << c.what;
+    }
+    EXPECT_TRUE(fromBytes(bare).isValid());
+}
+
+TEST(ProfileBase, SameProfileMeansSameDescription)
+{
+    const QString shared = QStringLiteral("Studio Monitor");
+    const QString a = writeProfile(QStringLiteral("a.icc"), gwWithDescription(gwSRGBProfileBytes(), shared));
+    const QString b = writeProfile(QStringLiteral("b.icc"), gwWithDescription(gwLutProfileBytes(cmsSigDisplayClass, cmsSigRgbData), shared));
+    const CgwProfileBase first = CgwProfileBase::fromFile(a);
+    const CgwProfileBase second = CgwProfileBase::fromFile(b);
+    const CgwProfileBase other = fromBytes(gwGrayProfileBytes());
+    EXPECT_NE(first, second);
+    EXPECT_TRUE(first.isSameProfile(&second));
+    EXPECT_FALSE(first.isSameProfile(&other));
+    EXPECT_FALSE(first.isSameProfile(nullptr));
+}
+
+TEST(ProfileBase, FilesThatCannotBeReadLeaveTheProfileEmptyWithTheirErrorCode)
+{
+    const QString empty = writeProfile(QStringLiteral("empty.icc"), QByteArray());
+    const struct {
+        const char* what;
+        QString path;
+        int code;
+    } cases[] = {
+        {"missing", gwTestRoot() + QStringLiteral("/profiles/none.icc"), 13},
+        {"no path", QString(), 13},
+        {"empty", empty, 14},
+        {"empty with scheme", QStringLiteral("file:") + empty, 14},
+    };
+    for (const auto& c : cases) {
+        for (bool load : {false, true}) {
+            CgwProfileBase profile = fromBytes(gwSRGBProfileBytes());
+            const int lines = gwLogLineCount();
+            profile.setFromFile(c.path, load);
+            EXPECT_EQ(CgwLogFile::instance().lastErrorCode(), c.code) << c.what << load;
+            EXPECT_EQ(gwLogLineCount(), lines + 1) << c.what << load;
+            EXPECT_FALSE(profile.isValid()) << c.what << load;
+            EXPECT_TRUE(profile.path().isEmpty()) << c.what << load;
+            EXPECT_FALSE(profile.isBufferProfile()) << c.what << load;
+        }
+    }
+}
+
+TEST(ProfileBase, FileProfilesLoadIntoMemoryOnlyWhenAsked)
+{
+    const QByteArray bytes = gwGrayProfileBytes();
+    const QString path = writeProfile(QStringLiteral("gray.icc"), bytes);
+    CgwProfileBase profile;
+    profile.setFromFile(path, false);
+    EXPECT_TRUE(profile.isValid());
+    EXPECT_TRUE(profile.isFileProfile());
+    EXPECT_EQ(profile.bufferSize(), 0);
+    EXPECT_EQ(profile.profileBytes(), bytes);
+    EXPECT_EQ(profile.baseName(), QStringLiteral("gray"));
+
+    profile.setFromFile(QStringLiteral("file:") + path, true);
+    EXPECT_TRUE(profile.isValid());
+    EXPECT_TRUE(profile.isBufferProfile());
+    EXPECT_FALSE(profile.isFileProfile());
+    EXPECT_EQ(profile.filePath(), path);
+    EXPECT_EQ(QByteArray(reinterpret_cast<const char*>(profile.bufferData()), int(profile.bufferLength())), bytes);
+}
+
+TEST(ProfileBase, BufferToFileWritesTheBytesAndBecomesThatFilesProfile)
+{
+    const QByteArray bytes = gwSRGBProfileBytes();
+    CgwProfileBase profile = fromBytes(bytes);
+    const QString path = gwTestRoot() + QStringLiteral("/written.icc");
+    ASSERT_TRUE(profile.bufferToFile(QStringLiteral("file:") + path));
+    EXPECT_TRUE(profile.isFileProfile());
+    EXPECT_TRUE(profile.isValid());
+    EXPECT_EQ(profile.path(), QStringLiteral("file:") + path);
+    EXPECT_EQ(gwReadFile(path), bytes);
+    EXPECT_EQ(profile.name(), QStringLiteral("sRGB built-in"));
+
+    // A file profile is read first, so it can be written elsewhere.
+    const QString copy = gwTestRoot() + QStringLiteral("/copy.icc");
+    ASSERT_TRUE(profile.bufferToFile(copy));
+    EXPECT_EQ(gwReadFile(copy), bytes);
+}
+
+TEST(ProfileBase, BufferToFileReportsATargetItCannotOpen)
+{
+    CgwProfileBase profile = fromBytes(gwGrayProfileBytes());
+    const QString path = gwTestRoot() + QStringLiteral("/no such folder/x.icc");
+    EXPECT_FALSE(profile.bufferToFile(path));
+    EXPECT_EQ(gwLastLogLine(), ("gwDebug: CgwProfileBase::bufferToFile Error: Could not open file " + path).toUtf8());
+    EXPECT_TRUE(profile.isBufferProfile());
+    EXPECT_TRUE(profile.isValid());
+    EXPECT_FALSE(CgwProfileBase().bufferToFile(gwTestRoot() + QStringLiteral("/nothing.icc")));
+}
+
+TEST(ProfileBase, CopiesShareOneHandleAndTheLastOneClosesIt)
+{
+    CgwProfileBase profile = fromBytes(gwSRGBProfileBytes());
+    ASSERT_TRUE(profile.openEngineProfile());
+    std::weak_ptr<CgwEngineProfile> handle = profile.engineProfile();
+    {
+        const CgwProfileBase copy = profile;
+        EXPECT_EQ(copy.engineProfile(), profile.engineProfile());
+        profile.closeEngineProfile();
+        EXPECT_FALSE(handle.expired());
+        QString text;
+        EXPECT_TRUE(copy.getDescription(text));
+    }
+    EXPECT_TRUE(handle.expired());
+}
+
+TEST(ProfileBase, OpeningWithoutAValidProfileIsError15)
+{
+    CgwProfileBase profile;
+    EXPECT_FALSE(profile.openEngineProfile());
+    EXPECT_EQ(CgwLogFile::instance().lastErrorCode(), 15);
+    EXPECT_EQ(profile.engineProfile(), nullptr);
+}
+
+TEST(ProfileBase, AProfileNamedInTheOptionsKeepsItsPathWhenTheFileIsMissing)
+{
+    const int lines = gwLogLineCount();
+    const CgwProfileBase named = CgwProfileBase::fromFile(QStringLiteral("/profiles/elsewhere.icc"));
+    EXPECT_EQ(named.path(), QStringLiteral("/profiles/elsewhere.icc"));
+    EXPECT_TRUE(named.isFileProfile());
+    EXPECT_FALSE(named.isValid());
+    EXPECT_FALSE(named.isEmbeddable());
+    EXPECT_EQ(named, CgwProfileBase::fromFile(QStringLiteral("/profiles/elsewhere.icc")));
+    EXPECT_EQ(gwLogLineCount(), lines);
+}
+
+TEST(ProfileBase, ValuesTravelThroughVariantsWithEverythingAReaderNeeds)
+{
+    const CgwProfileBase profile = fromBytes(gwSRGBProfileBytes());
+    const CgwProfileBase back = QVariant::fromValue(profile).value<CgwProfileBase>();
+    EXPECT_EQ(back, profile);
+    EXPECT_TRUE(back.isValid());
+    EXPECT_EQ(back.colorMode(), 3);
+    EXPECT_EQ(back.profileBytes(), gwSRGBProfileBytes());
+    QString text;
+    EXPECT_TRUE(back.getDescription(text));
+    EXPECT_EQ(text, QStringLiteral("sRGB built-in"));
+}
