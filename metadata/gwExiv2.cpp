@@ -25,6 +25,21 @@ std::mutex& gwExiv2Mutex()
     return sMutex;
 }
 
+bool gwRunExiv2(const char* where, const char* doing, const std::function<void()>& work)
+{
+    std::lock_guard<std::mutex> lock(gwExiv2Mutex());
+    try {
+        work();
+        return true;
+    } catch (const Exiv2::AnyError& error) {
+        gwDebugString(QStringLiteral("%1 Exiv2 Error %2 while %3: %4")
+                          .arg(QLatin1String(where))
+                          .arg(error.code())
+                          .arg(QLatin1String(doing), QString::fromUtf8(error.what())));
+        return false;
+    }
+}
+
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 std::unique_ptr<Exiv2::Image> gwOpenExiv2Image(const QString& location)

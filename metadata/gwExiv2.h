@@ -11,6 +11,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <memory>
 #include <mutex>
 
@@ -22,3 +23,7 @@ std::unique_ptr<Exiv2::Image> gwOpenExiv2Image(const QString& location);
 
 // A value of the given type, as Exiv2 makes it for a dataset or tag.
 std::unique_ptr<Exiv2::Value> gwCreateExiv2Value(Exiv2::TypeId type);
+
+// Runs `work` under the lock. An Exiv2 error ends it with one log line,
+// "<where> Exiv2 Error <code> while <doing>: <text>", and false.
+bool gwRunExiv2(const char* where, const char* doing, const std::function<void()>& work);

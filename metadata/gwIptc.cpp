@@ -45,20 +45,13 @@ void eraseKey(Exiv2::IptcData& iptc, const Exiv2::IptcKey& key)
 // errors end here with one log line; the file is left as Exiv2 left it.
 bool editIptc(const QString& location, const std::function<void(Exiv2::IptcData&)>& edit)
 {
-    std::lock_guard<std::mutex> lock(gwExiv2Mutex());
-    try {
+    return gwRunExiv2("CgwIptc::applyIptcToFile()", "storing IPTC data", [&] {
         std::unique_ptr<Exiv2::Image> image = gwOpenExiv2Image(location);
         Exiv2::IptcData iptc = image->iptcData();
         edit(iptc);
         image->setIptcData(iptc);
         image->writeMetadata();
-        return true;
-    } catch (const Exiv2::AnyError& error) {
-        gwDebugString(QStringLiteral("CgwIptc::applyIptcToFile() Exiv2 Error %1 while storing IPTC data: %2")
-                          .arg(error.code())
-                          .arg(QString::fromUtf8(error.what())));
-        return false;
-    }
+    });
 }
 
 // The keywords of the parameter set: one string token each.
@@ -119,18 +112,11 @@ bool hasIptcParams(const CgwParameterSet& params)
 bool CgwIptc::readIPTC(const QString& location)
 {
     mValues.clear();
-    std::lock_guard<std::mutex> lock(gwExiv2Mutex());
-    try {
+    return gwRunExiv2("CgwIptc::readIPTC()", "reading IPTC data", [&] {
         std::unique_ptr<Exiv2::Image> image = gwOpenExiv2Image(location);
         for (const Exiv2::Iptcdatum& datum : image->iptcData())
             addValue(datum.record() * 256 + datum.tag(), QString::fromStdString(datum.toString()));
-        return true;
-    } catch (const Exiv2::AnyError& error) {
-        gwDebugString(QStringLiteral("CgwIptc::readIPTC() Exiv2 Error %1 while reading IPTC data: %2")
-                          .arg(error.code())
-                          .arg(QString::fromUtf8(error.what())));
-        return false;
-    }
+    });
 }
 
 bool CgwIptc::applyToFile(const QString& location, const CgwParameterSet* params) const
