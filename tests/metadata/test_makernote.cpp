@@ -78,7 +78,7 @@ TEST(MakerNote, FixedPointRecordsInSinglePrecision)
 TEST(MakerNote, ForeignNotesAreKeptByReadingAndDiscardedByWriting)
 {
     CgwExif exif;
-    const QByteArray foreign("Nikon\0\x02\x10\0\0MM\0*", 16);
+    const QByteArray foreign("Nikon\0\x02\x10\0\0MM\0*\0\0", 16); // the literal holds all 16 bytes
     exif.setValue(CgwMakerNote::kExifTag, CgwExifValue{7, quint32(foreign.size()), foreign});
     bool found = true;
     EXPECT_EQ(exif.getGWMakerNotValueByTag(0xC005, &found), 0.0f);
