@@ -1,0 +1,182 @@
+#include "imagefile/gwTiffIO.h"
+
+#include "diagnostics/gwDebug.h"
+#include "files/gwFile.h"
+#include "files/gwFilePathList.h"
+
+#include <QSet>
+
+#include <cstdarg>
+#include <mutex>
+
+namespace {
+
+// What the client procedures work on: the file and where the TIFF starts.
+struct SgwTiffClient {
+    std::unique_ptr<CgwFile> file;
+    qint64 base = 0;
+};
+
+SgwTiffClient& clientOf(thandle_t handle)
+{
+    return *static_cast<SgwTiffClient*>(handle);
+}
+
+tmsize_t readProc(thandle_t handle, void* buffer, tmsize_t size)
+{
+    return tmsize_t(clientOf(handle).file->read(static_cast<char*>(buffer), qint64(size)));
+}
+
+tmsize_t writeProc(thandle_t handle, void* buffer, tmsize_t size)
+{
+    return tmsize_t(clientOf(handle).file->write(static_cast<const char*>(buffer), qint64(size)));
+}
+
+toff_t seekProc(thandle_t handle, toff_t offset, int whence)
+{
+    SgwTiffClient& client = clientOf(handle);
+    const qint64 target = whence == SEEK_SET ? client.base + qint64(offset) : qint64(offset);
+    const qint64 at = client.file->seek(target, whence);
+    return at < client.base ? toff_t(-1) : toff_t(at - client.base);
+}
+
+int closeProc(thandle_t handle)
+{
+    delete static_cast<SgwTiffClient*>(handle);
+    return 0;
+}
+
+toff_t sizeProc(thandle_t handle)
+{
+    const SgwTiffClient& client = clientOf(handle);
+    return toff_t(qMax<qint64>(0, client.file->size() - client.base));
+}
+
+int mapProc(thandle_t, void**, toff_t*)
+{
+    return 0;
+}
+
+void unmapProc(thandle_t, void*, toff_t) {}
+
+struct SgwTiffMessages {
+    std::mutex mutex;
+    QSet<QString> seen;
+    QStringList order;
+};
+
+SgwTiffMessages& messages()
+{
+    static SgwTiffMessages sMessages;
+    return sMessages;
+}
+
+QString formatMessage(const char* module, const char* format, va_list args)
+{
+    char text[1024];
+    std::vsnprintf(text, sizeof(text), format, args);
+    return QString::fromLocal8Bit(module ? module : "") + QStringLiteral(": ") + QString::fromLocal8Bit(text);
+}
+
+// True the first time a message is seen.
+bool enterMessage(const QString& message)
+{
+    SgwTiffMessages& all = messages();
+    std::lock_guard<std::mutex> lock(all.mutex);
+    if (all.seen.contains(message))
+        return false;
+    all.seen.insert(message);
+    all.order << message;
+    return true;
+}
+
+bool isPrivateTagNoise(const QString& message)
+{
+    return message.contains(QLatin1String("0x89ab")) || message.contains(QLatin1String("0x89ac"))
+           || message.contains(QLatin1String("wrong data type 4 for \"RichTIFFIPTC\"; tag ignored"));
+}
+
+void errorHandler(const char* module, const char* format, va_list args)
+{
+    enterMessage(formatMessage(module, format, args));
+}
+
+void errorHandlerExt(thandle_t, const char* module, const char* format, va_list args)
+{
+    errorHandler(module, format, args);
+}
+
+void warningHandler(const char* module, const char* format, va_list args)
+{
+    const QString message = formatMessage(module, format, args);
+    if (enterMessage(message) && !isPrivateTagNoise(message))
+        gwDebugString(message);
+}
+
+void warningHandlerExt(thandle_t, const char* module, const char* format, va_list args)
+{
+    warningHandler(module, format, args);
+}
+
+} // namespace
+
+TIFF* gwTiffOpen(const QString& path, int mode, qint64 offset)
+{
+    gwTiffInstallHandlers();
+    auto client = std::make_unique<SgwTiffClient>();
+    client->file.reset(CgwFilePathList::instance().createFile(path));
+    const QIODevice::OpenMode openMode = mode == 2 ? QIODevice::ReadWrite | QIODevice::Truncate : QIODevice::ReadOnly;
+    if (!client->file || !client->file->open(openMode))
+        return nullptr;
+    client->file->seek(offset, 0);
+    client->base = offset;
+    // A handle that opens owns the client and frees it in its close
+    // procedure; a failed open does not call that procedure.
+    TIFF* tiff = TIFFClientOpen(path.toLocal8Bit().constData(), mode == 2 ? "wb" : "rb", client.get(), readProc,
+                                writeProc, seekProc, closeProc, sizeProc, mapProc, unmapProc);
+    if (tiff)
+        client.release();
+    return tiff;
+}
+
+void gwTiffMergePrivateTags(TIFF* tiff)
+{
+    static const TIFFFieldInfo kHdri[] = {
+        {kGwTiffTagHDRi, 1, 1, TIFF_BYTE, FIELD_CUSTOM, 1, 1, const_cast<char*>("TIFFTAG_HDRi")}};
+    static const TIFFFieldInfo kFilm[] = {
+        {kGwTiffTagFilm, 1, 1, TIFF_BYTE, FIELD_CUSTOM, 1, 1, const_cast<char*>("TIFFTAG_FILM")}};
+    TIFFMergeFieldInfo(tiff, kHdri, 1);
+    TIFFMergeFieldInfo(tiff, kFilm, 1);
+}
+
+void gwTiffInstallHandlers()
+{
+    static const bool sInstalled = [] {
+        TIFFSetErrorHandler(errorHandler);
+        TIFFSetErrorHandlerExt(errorHandlerExt);
+        TIFFSetWarningHandler(warningHandler);
+        TIFFSetWarningHandlerExt(warningHandlerExt);
+        return true;
+    }();
+    Q_UNUSED(sInstalled);
+}
+
+QStringList gwTiffSeenMessages()
+{
+    SgwTiffMessages& all = messages();
+    std::lock_guard<std::mutex> lock(all.mutex);
+    return all.order;
+}
+
+int gwTiffDirectoryCount(const QString& path)
+{
+    const CgwTiffHandle tiff = gwTiffOpenHandle(path, 1, 0);
+    if (!tiff) {
+        gwDebugString(QStringLiteral("Error: directoryCount: ") + path);
+        return 0;
+    }
+    int count = 1;
+    while (count < 100 && TIFFReadDirectory(tiff.get()))
+        ++count;
+    return count;
+}
