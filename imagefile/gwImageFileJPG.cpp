@@ -19,7 +19,7 @@ using Pixel = CgwPixel8x4;
 using Bitmap = CgwBitmapBlinkT<Pixel>;
 
 constexpr quint16 kGammaRecord = 0xC001;
-constexpr int kMaxExifSegment = 65533 - 6; // a marker's length field counts itself and "Exif\0\0"
+constexpr int kMaxMarkerPayload = 65533; // a marker's 16-bit length counts its own two bytes
 
 bool openForReading(CgwFile* file)
 {
@@ -63,10 +63,9 @@ QString softwareOf(const CgwExif& exif)
     return QString::fromLatin1(end < 0 ? text : text.left(end));
 }
 
-// libjpeg writes straight into the bitmap's rows: grey into one-slot rows
-// of the grey pixel stride, RGB with a filler byte into the fourth slot,
-// CMYK as it comes. Only grey needs a row of its own, since its pixels
-// still take four slots.
+// libjpeg writes straight into the bitmap's four-slot rows: RGB with a
+// filler byte in the fourth slot, CMYK as it comes. Grey goes through a row
+// of its own, one byte a pixel, and into the first slot.
 bool decodesInPlace(const jpeg_decompress_struct& cinfo)
 {
     return cinfo.out_color_components == 4 || cinfo.out_color_space == JCS_EXT_RGBX;
@@ -87,11 +86,6 @@ void CgwImageFileJPG::resetState()
     mExifOffset = 0;
     mFormat = 0;
     mInitialised = true;
-}
-
-void CgwImageFileJPG::clearCropRect()
-{
-    CgwImageFileBase::clearCropRect();
 }
 
 bool CgwImageFileJPG::isFormat(const QString& path, const char* header)
@@ -234,28 +228,19 @@ CgwBitmapBase* CgwImageFileJPG::decode(SgwJpegDecompressor& jpeg, const CgwBitma
         for (size_t x = 0; x < grey.size(); ++x)
             target[x].s[0] = grey[x];
     }
+    jpeg_finish_decompress(&jpeg.cinfo);
     return bitmap.release();
 }
 
-// The metadata a decoded bitmap takes from its file: the profile while the
-// markers are at hand, then Exif, the gamma record and IPTC.
-void CgwImageFileJPG::readMetadata(SgwJpegDecompressor& jpeg, CgwFile& file, qint64 offset, CgwBitmapBase& bitmap)
+// A decoded bitmap takes the metadata its header brought, and the IPTC data.
+void CgwImageFileJPG::takeMetadata(const CgwBitmapHead& head, CgwFile& file, CgwBitmapBase& bitmap)
 {
-    const QByteArray icc = gwReadJpegIccProfile(&jpeg.cinfo);
-    if (!icc.isEmpty()) {
-        CgwProfileBase profile;
-        profile.setFromMemory(reinterpret_cast<const unsigned char*>(icc.constData()), icc.size());
-        if (profile.isValid())
-            bitmap.setProfile(profile);
-    }
-    jpeg_finish_decompress(&jpeg.cinfo);
-    file.seek(offset, 0);
-    CgwExif exif;
-    readExif(file, exif);
-    bitmap.setExif(exif);
-    const float gamma = exif.getGWMakerNotValueByTag(kGammaRecord);
-    if (gamma > 0.0f)
-        bitmap.setGamma(gamma);
+    bitmap.setResolution(head.mResolution);
+    if (head.mProfile.isValid())
+        bitmap.setProfile(head.mProfile);
+    bitmap.setExif(head.mExif);
+    if (head.mGamma > 0.0f)
+        bitmap.setGamma(head.mGamma);
     CgwIptc iptc;
     iptc.readIPTC(file.path());
     bitmap.setIptc(iptc);
@@ -276,10 +261,8 @@ CgwBitmapBase* CgwImageFileJPG::loadBitmap(CgwFile* file, qint64 offset)
     if (!readHeader(jpeg, exif, head))
         return finishBitmap(nullptr);
     std::unique_ptr<CgwBitmapBase> bitmap(decode(jpeg, head));
-    if (bitmap) {
-        bitmap->setResolution(head.mResolution);
-        readMetadata(jpeg, *file, offset, *bitmap);
-    }
+    if (bitmap)
+        takeMetadata(head, *file, *bitmap);
     file->close();
     return finishBitmap(bitmap.release());
 }
@@ -350,7 +333,7 @@ void writeExifMarker(j_compress_ptr cinfo, const CgwBitmapBase& bitmap)
     QByteArray block("Exif\0\0", 6);
     if (!exif.writeTiffBlock(block) || block.size() <= 30)
         return;
-    if (block.size() > kMaxExifSegment + 6) {
+    if (block.size() > kMaxMarkerPayload) {
         gwDebug("CgwImageFileJPG::saveBitmap : Warning: Exif block of %d bytes does not fit one marker, not written.",
                 int(block.size()));
         return;

@@ -22,7 +22,6 @@ public:
     ~CgwImageFileJPG() override;
 
     void resetState() override;
-    void clearCropRect() override;
     CgwBitmapBase* loadPreview(CgwFile* file, qint64 offset) override;
     CgwBitmapBase* loadPreview(const QString& path, qint64 offset) override;
     CgwBitmapHead loadImageInformation(CgwFile* file, qint64 offset) override;
@@ -52,7 +51,7 @@ public:
 private:
     bool readHeader(SgwJpegDecompressor& jpeg, const CgwExif& exif, CgwBitmapHead& head);
     CgwBitmapBase* decode(SgwJpegDecompressor& jpeg, const CgwBitmapHead& head);
-    void readMetadata(SgwJpegDecompressor& jpeg, CgwFile& file, qint64 offset, CgwBitmapBase& bitmap);
+    void takeMetadata(const CgwBitmapHead& head, CgwFile& file, CgwBitmapBase& bitmap);
     bool writeJpeg(CgwFile& file, const CgwBitmapBase& bitmap);
 
     qint32 mQuality = kDefaultQuality;
