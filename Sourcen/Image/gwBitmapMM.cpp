@@ -5,6 +5,8 @@
 #include <QDir>
 #include <QMutex>
 
+#include <sys/mman.h>
+
 namespace {
 QMutex sAccountMutex;
 quint64 sAccountedBytes = 0;
@@ -36,4 +38,13 @@ QString gwBitmapTempFolder()
 {
     const QString folder = CgwFilterOptions::instance().selectedTempPath();
     return QDir(folder).exists() && !folder.isEmpty() ? folder : QDir::rootPath();
+}
+
+void gwAdviseHugePages(void* block, size_t bytes)
+{
+    constexpr uintptr_t kHugePage = uintptr_t(2) << 20;
+    const uintptr_t start = (reinterpret_cast<uintptr_t>(block) + kHugePage - 1) & ~(kHugePage - 1);
+    const uintptr_t end = (reinterpret_cast<uintptr_t>(block) + bytes) & ~(kHugePage - 1);
+    if (end > start)
+        madvise(reinterpret_cast<void*>(start), end - start, MADV_HUGEPAGE);
 }

@@ -29,6 +29,7 @@ public:
                 freeStripes();
                 throw kGwStorageAllocationFailed;
             }
+            gwAdviseHugePages(stripe, rows * rowPixels * sizeof(Pixel));
             for (size_t r = 0; r < rows; ++r)
                 mRows[size_t(y) + r] = stripe + r * rowPixels;
         }
