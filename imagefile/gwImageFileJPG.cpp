@@ -56,13 +56,6 @@ double jfifDensity(const jpeg_decompress_struct& cinfo, UINT16 density)
     return 0.0;
 }
 
-QString softwareOf(const CgwExif& exif)
-{
-    const QByteArray text = exif.getValue(0x0131).data;
-    const int end = text.indexOf('\0');
-    return QString::fromLatin1(end < 0 ? text : text.left(end));
-}
-
 // libjpeg writes straight into the bitmap's four-slot rows: RGB with a
 // filler byte in the fourth slot, CMYK as it comes. Grey goes through a row
 // of its own, one byte a pixel, and into the first slot.
@@ -133,7 +126,7 @@ bool CgwImageFileJPG::readExif(CgwFile& file, CgwExif& exif)
         mExifOffset = read ? marker + 10 : 0;
     }
     // One old version recorded a gamma that must not be trusted.
-    if (exif.getGWMakerNotValueByTag(kGammaRecord) != 0.0f && softwareOf(exif).startsWith(QLatin1String("Glimmerway 6")))
+    if (exif.getGWMakerNotValueByTag(kGammaRecord) != 0.0f && exif.getAscii(0x0131).startsWith(QLatin1String("Glimmerway 6")))
         exif.removeMakerNoteRecord(kGammaRecord);
     file.seek(start, 0);
     return read;

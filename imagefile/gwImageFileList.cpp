@@ -4,6 +4,7 @@
 #include "files/gwFilePathList.h"
 #include "imagefile/gwImageFileBMP.h"
 #include "imagefile/gwImageFileJPG.h"
+#include "imagefile/gwImageFileTIF.h"
 
 #include <vector>
 
@@ -12,6 +13,7 @@ CgwImageFileList::CgwImageFileList()
     // Each format joins here when it exists.
     mFactories[EgwImageFileBMP] = std::make_unique<CgwImageFileFactoryBaseT<CgwImageFileBMP>>();
     mFactories[EgwImageFileJPG] = std::make_unique<CgwImageFileFactoryBaseT<CgwImageFileJPG>>();
+    mFactories[EgwImageFileTIF] = std::make_unique<CgwImageFileFactoryBaseT<CgwImageFileTIF>>();
 }
 
 CgwImageFileList::~CgwImageFileList() = default;

@@ -7,6 +7,8 @@
 #include <QSet>
 
 #include <cstdarg>
+#include <cstring>
+#include <limits>
 #include <mutex>
 
 namespace {
@@ -179,4 +181,71 @@ int gwTiffDirectoryCount(const QString& path)
     while (count < 100 && TIFFReadDirectory(tiff.get()))
         ++count;
     return count;
+}
+
+SgwTiffPage gwTiffReadPage(TIFF* tiff)
+{
+    SgwTiffPage page;
+    TIFFGetField(tiff, TIFFTAG_BITSPERSAMPLE, &page.bits);
+    TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &page.width);
+    TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &page.height);
+    TIFFGetField(tiff, TIFFTAG_SAMPLESPERPIXEL, &page.samples);
+    TIFFGetField(tiff, TIFFTAG_COMPRESSION, &page.compression);
+    TIFFGetField(tiff, TIFFTAG_ROWSPERSTRIP, &page.rowsPerStrip);
+    TIFFGetField(tiff, TIFFTAG_PHOTOMETRIC, &page.photometric);
+    TIFFGetField(tiff, TIFFTAG_ORIENTATION, &page.orientation);
+    TIFFGetField(tiff, TIFFTAG_PLANARCONFIG, &page.planar);
+    TIFFGetField(tiff, TIFFTAG_SUBFILETYPE, &page.subfileType);
+    float resolution = 0.0f;
+    if (TIFFGetField(tiff, TIFFTAG_XRESOLUTION, &resolution))
+        page.xResolution = resolution;
+    if (TIFFGetField(tiff, TIFFTAG_YRESOLUTION, &resolution))
+        page.yResolution = resolution;
+    return page;
+}
+
+QByteArray gwTiffFieldBytes(TIFF* tiff, ttag_t tag)
+{
+    const TIFFField* field = TIFFFindField(tiff, tag, TIFF_ANY);
+    if (!field || !TIFFFieldPassCount(field))
+        return QByteArray();
+    // libtiff hands the count back in 16 or 32 bits, as the field is declared.
+    const void* data = nullptr;
+    quint64 count = 0;
+    if (TIFFFieldSetGetCountSize(field) == 4) {
+        quint32 count32 = 0;
+        if (TIFFGetField(tiff, tag, &count32, &data) != 1)
+            return QByteArray();
+        count = count32;
+    } else {
+        quint16 count16 = 0;
+        if (TIFFGetField(tiff, tag, &count16, &data) != 1)
+            return QByteArray();
+        count = count16;
+    }
+    const quint64 bytes = count * quint64(TIFFFieldSetGetSize(field) > 0 ? TIFFFieldSetGetSize(field) : 1);
+    if (!data || bytes == 0 || bytes > quint64(std::numeric_limits<int>::max()))
+        return QByteArray();
+    return QByteArray(static_cast<const char*>(data), int(bytes));
+}
+
+quint64 gwTiffHdriValue(TIFF* tiff)
+{
+    const QByteArray bytes = gwTiffFieldBytes(tiff, kGwTiffTagHDRi);
+    if (bytes.size() < 8)
+        return 0;
+    quint64 value = 0;
+    std::memcpy(&value, bytes.constData(), 8);
+    return TIFFIsByteSwapped(tiff) ? __builtin_bswap64(value) : value;
+}
+
+QStringList gwTiffFilmStrings(const QByteArray& block)
+{
+    QStringList texts;
+    for (int start : {0, 96, 192}) {
+        const QByteArray field = block.mid(start, 96);
+        const int end = field.indexOf('\0');
+        texts << QString::fromLatin1(end < 0 ? field : field.left(end));
+    }
+    return texts;
 }

@@ -42,6 +42,34 @@ void gwTiffInstallHandlers();
 // The messages seen so far, in order.
 QStringList gwTiffSeenMessages();
 
+// The tags a page is read by, with the values a missing tag stands for.
+struct SgwTiffPage {
+    quint16 bits = 1;
+    quint32 width = 0;
+    quint32 height = 0;
+    quint16 samples = 1;
+    quint16 compression = 1;
+    quint32 rowsPerStrip = 0xFFFFFFFF;
+    quint16 photometric = 0;
+    quint16 orientation = 1;
+    quint16 planar = 1;
+    quint32 subfileType = 0;
+    double xResolution = 0.0; // 0 when the tag is missing
+    double yResolution = 0.0;
+};
+SgwTiffPage gwTiffReadPage(TIFF* tiff);
+
+// The bytes of a counted field (ICC profile, IPTC block, the private tags);
+// empty when the current directory does not have it.
+QByteArray gwTiffFieldBytes(TIFF* tiff, ttag_t tag);
+
+// The private tag 35243 as a number in the host's order; 0 when missing.
+quint64 gwTiffHdriValue(TIFF* tiff);
+
+// Film vendor, brand and type from the private film block: three texts at
+// 0, 96 and 192, each ending at its first NUL or at the block's end.
+QStringList gwTiffFilmStrings(const QByteArray& block);
+
 // How many directories the file holds, 1 to 100; 0 with a log line when it
 // cannot be opened.
 int gwTiffDirectoryCount(const QString& path);

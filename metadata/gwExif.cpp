@@ -11,6 +11,13 @@ float CgwExif::getGWMakerNotValueByTag(quint16 tag, bool* found) const
     return CgwMakerNote(mValues.value(CgwMakerNote::kExifTag).data).valueByTag(tag, found);
 }
 
+QString CgwExif::getAscii(quint16 tag) const
+{
+    const QByteArray text = getValue(tag).data;
+    const int end = text.indexOf('\0');
+    return QString::fromLatin1(end < 0 ? text : text.left(end));
+}
+
 bool CgwExif::hasHDRFlag() const
 {
     return hasTag(CgwMakerNote::kExifTag) && getGWMakerNotValueByTag(0xC005) != 0.0f;

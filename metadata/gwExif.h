@@ -65,6 +65,8 @@ public:
     bool setRationalValue(quint16 tag, double value);
     bool setTextValue(quint16 tag, const QString& text);
     // Item `index` of a value as a number; rationals divided out. 0 when missing.
+    // An ASCII value up to its first NUL; empty when the tag is missing.
+    QString getAscii(quint16 tag) const;
     qint64 getInt(quint16 tag, int index = 0) const;
     double getDouble(quint16 tag, int index = 0) const;
     bool getRational(quint16 tag, int index, qint32* numerator, qint32* denominator) const;

@@ -109,13 +109,34 @@ bool hasIptcParams(const CgwParameterSet& params)
 
 } // namespace
 
+namespace {
+// Every dataset in file order; repeatable ones keep all their values.
+void collect(CgwIptc& iptc, const Exiv2::IptcData& data)
+{
+    for (const Exiv2::Iptcdatum& datum : data)
+        iptc.addValue(datum.record() * 256 + datum.tag(), QString::fromStdString(datum.toString()));
+}
+} // namespace
+
 bool CgwIptc::readIPTC(const QString& location)
 {
     mValues.clear();
     return gwRunExiv2("CgwIptc::readIPTC()", "reading IPTC data", [&] {
         std::unique_ptr<Exiv2::Image> image = gwOpenExiv2Image(location);
-        for (const Exiv2::Iptcdatum& datum : image->iptcData())
-            addValue(datum.record() * 256 + datum.tag(), QString::fromStdString(datum.toString()));
+        collect(*this, image->iptcData());
+    });
+}
+
+bool CgwIptc::readBlock(const QByteArray& block)
+{
+    mValues.clear();
+    return gwRunExiv2("CgwIptc::readBlock()", "decoding IPTC data", [&] {
+        Exiv2::IptcData data;
+        if (Exiv2::IptcParser::decode(data, reinterpret_cast<const Exiv2::byte*>(block.constData()),
+                                      uint32_t(block.size()))
+            != 0)
+            throw Exiv2::Error(Exiv2::kerFailedToReadImageData);
+        collect(*this, data);
     });
 }
 

@@ -27,6 +27,9 @@ public:
     // Reads the IPTC block of the file at `location` ("file:" allowed);
     // false, with a log line, when Exiv2 cannot read it.
     bool readIPTC(const QString& location);
+    // Reads an IPTC block as TIFF files carry it (tag 0x83BB); false, with a
+    // log line, when it cannot be decoded.
+    bool readBlock(const QByteArray& block);
 
     // Writes these datasets into the file, replacing the file's datasets of
     // the same tags; then the user's IPTC parameters, if a set is given.

@@ -9,7 +9,7 @@ GW_PACKAGES=(
     qtbase5-dev qtbase5-private-dev libqt5sql5-sqlite libqt5svg5-dev
     libtiff-dev libjpeg62-turbo-dev libexiv2-dev liblcms2-dev libopenjp2-7-dev
     libraw-dev zlib1g-dev libgtest-dev libbenchmark-dev
-    exiv2 libjpeg-turbo-progs
+    exiv2 libjpeg-turbo-progs libtiff-tools imagemagick
 )
 
 gw_as_root() {

@@ -35,23 +35,6 @@ std::unique_ptr<CgwBitmapBase> loadJpeg(const QString& path, int* thrown = nullp
     }
 }
 
-// The samples as the corpus hashes them: interleaved, `channels` a pixel.
-QByteArray sampleHash(const CgwBitmapBase& bitmap, int channels, bool invert = false)
-{
-    const auto& typed = dynamic_cast<const Rgba8&>(bitmap);
-    QCryptographicHash hash(QCryptographicHash::Sha256);
-    QByteArray row;
-    for (int y = 0; y < bitmap.size().height(); ++y) {
-        row.clear();
-        const CgwArrayT<CgwPixel8x4> line = typed.line(y);
-        for (int x = 0; x < bitmap.size().width(); ++x)
-            for (int c = 0; c < channels; ++c)
-                row.append(char(invert ? 255 - line[x].s[c] : line[x].s[c]));
-        hash.addData(row);
-    }
-    return hash.result().toHex();
-}
-
 QString corpusFile(const QString& name)
 {
     return gwCorpusDir() + QStringLiteral("/jpeg/") + name;
@@ -105,7 +88,7 @@ TEST(Jpeg, CorpusDecodesToItsReference)
         // Adobe CMYK is stored inverted and loaded as stored; the reference
         // holds ink amounts.
         const bool adobeCmyk = bitmap->colorMode() == EgwColorModeCMYK;
-        EXPECT_EQ(sampleHash(*bitmap, ref.channels, adobeCmyk), ref.sha256) << qPrintable(name);
+        EXPECT_EQ(gwSampleHash(*bitmap, ref.channels, adobeCmyk), ref.sha256) << qPrintable(name);
         ++compared;
     }
     EXPECT_GE(compared, 19);
@@ -275,7 +258,7 @@ TEST(Jpeg, AProfileWithAMissingChunkIsDropped)
     const std::unique_ptr<CgwBitmapBase> bitmap = loadJpeg(path);
     ASSERT_TRUE(bitmap);
     EXPECT_FALSE(bitmap->profile().isValid());
-    EXPECT_EQ(sampleHash(*bitmap, 3), sampleHash(*big, 3));
+    EXPECT_EQ(gwSampleHash(*bitmap, 3), gwSampleHash(*big, 3));
 }
 
 TEST(Jpeg, TheOldVersionsGammaRecordIsNotTrusted)

@@ -85,10 +85,21 @@ TEST(TiffIO, ThePrivateTagsReadBack)
     const CgwTiffHandle tiff = gwTiffOpenHandle("file:" + path, 1, 0);
     ASSERT_TRUE(tiff);
     gwTiffMergePrivateTags(tiff.get());
-    quint32 count = 0;
-    const char* data = nullptr;
-    ASSERT_EQ(TIFFGetField(tiff.get(), kGwTiffTagHDRi, &count, &data), 1);
-    EXPECT_EQ(QByteArray(data, int(count)), hdri);
+    EXPECT_EQ(gwTiffFieldBytes(tiff.get(), kGwTiffTagHDRi), hdri);
+    // Bytes in file order, read as a little-endian file's word.
+    EXPECT_EQ(gwTiffHdriValue(tiff.get()), 0x0100000040302010ull);
+    EXPECT_TRUE(gwTiffFieldBytes(tiff.get(), kGwTiffTagFilm).isEmpty());
+}
+
+TEST(TiffIO, FilmTextsSitAtFixedPlaces)
+{
+    QByteArray block(288, '\0');
+    block.replace(0, 5, "Kodak");
+    block.replace(96, 9, "Ektachrom");
+    block.replace(192, 4, "E100");
+    EXPECT_EQ(gwTiffFilmStrings(block), QStringList({"Kodak", "Ektachrom", "E100"}));
+    // A short block, and a text that fills its field without a NUL.
+    EXPECT_EQ(gwTiffFilmStrings(QByteArray(96, 'x') + "ab"), QStringList({QString(96, 'x'), "ab", ""}));
 }
 
 TEST(TiffIO, WarningsReachTheLogOnceAndThePrivateTagsNoiseNever)

@@ -3,6 +3,8 @@
 #include <QMap>
 #include <QString>
 
+class CgwBitmapBase;
+
 // One decoded image of the shared corpus, as REFERENCE.tsv gives it.
 struct SgwCorpusReference {
     QString status; // only "confirmed" rows are safe for exact assertions
@@ -18,3 +20,12 @@ QString gwCorpusDir();
 
 // The first-frame rows of one corpus folder ("bmp", "jpeg", ...), by file name.
 QMap<QString, SgwCorpusReference> gwCorpusReferences(const QString& folder);
+
+// A decoded bitmap of four 8-bit or four 16-bit slots hashed as the corpus
+// hashes samples: interleaved, `channels` a pixel, 16 bits little-endian.
+// `invert` turns every sample into maximum minus sample.
+QByteArray gwSampleHash(const CgwBitmapBase& bitmap, int channels, bool invert = false);
+
+// The same bitmap as 8-bit RGBA with opaque alpha; a grey bitmap's first
+// slot stands for all three colours.
+QByteArray gwRgba8Hash(const CgwBitmapBase& bitmap, bool grey);
