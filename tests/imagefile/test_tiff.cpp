@@ -64,3 +64,99 @@ TEST(Tiff, EveryCorpusFileGivesItsReference)
     }
     EXPECT_GE(compared, 28);
 }
+
+namespace {
+
+const QString kMagick = QStringLiteral("convert-im6.q16");
+
+// Plasma noise of an odd size, so that tiles and strips end part-way.
+QString makeBase(int depth)
+{
+    const QString path = gwTestRoot() + QStringLiteral("/base%1.tif").arg(depth);
+    int exit = -1;
+    gwRunProgram(kMagick, {"-seed", "7", "-size", "67x45", "plasma:", "-depth", QString::number(depth), "-compress",
+                           "none", path},
+                 &exit);
+    return exit == 0 ? path : QString();
+}
+
+// What ImageMagick decodes, in the corpus's sample layout. Lab is taken as
+// it is stored ("-set colorspace sRGB"), not converted.
+QByteArray magickSamples(const QString& path, const QString& layout, int depth)
+{
+    int exit = -1;
+    const QStringList keep = layout == "lab" ? QStringList{"-set", "colorspace", "sRGB"} : QStringList();
+    const QByteArray raw = gwRunProgram(kMagick, QStringList{path} + keep
+                                                     + QStringList{"-depth", QString::number(depth), "-endian", "LSB",
+                                                                   (layout == "lab" ? "rgb" : layout) + ":-"},
+                                        &exit);
+    return exit == 0 ? raw : QByteArray();
+}
+
+// The largest difference of two 8-bit sample runs; -1 when their lengths differ.
+int largestDifference(const QByteArray& a, const QByteArray& b)
+{
+    if (a.size() != b.size())
+        return -1;
+    int largest = 0;
+    for (int i = 0; i < a.size(); ++i)
+        largest = std::max(largest, std::abs(int(quint8(a[i])) - int(quint8(b[i]))));
+    return largest;
+}
+
+} // namespace
+
+TEST(Tiff, FilesOfOtherProgramsDecodeAsImageMagickDecodesThem)
+{
+    const QString base8 = makeBase(8);
+    const QString base16 = makeBase(16);
+    if (base8.isEmpty() || base16.isEmpty())
+        GTEST_SKIP() << "ImageMagick (convert-im6.q16) is not installed";
+    const struct {
+        const char* name;
+        QString program;
+        QStringList args; // the output path follows
+        const char* layout;
+        int depth;
+        int channels;
+        bool ink;
+        int tolerance = 0;
+    } cases[] = {
+        {"tiffcp-lzw-strips", "tiffcp", {"-c", "lzw", "-r", "7", base8}, "rgb", 8, 3, false},
+        {"tiffcp-deflate-predictor-16", "tiffcp", {"-c", "zip:2", "-r", "5", base16}, "rgb", 16, 3, false},
+        {"tiffcp-tiles", "tiffcp", {"-t", "-w", "16", "-l", "16", base8}, "rgb", 8, 3, false},
+        {"tiffcp-tiles-16-lzw", "tiffcp", {"-t", "-w", "32", "-l", "32", "-c", "lzw", base16}, "rgb", 16, 3, false},
+        {"tiffcp-planar-strips", "tiffcp", {"-p", "separate", "-r", "4", base8}, "rgb", 8, 3, false},
+        {"tiffcp-planar-tiles", "tiffcp", {"-p", "separate", "-t", "-w", "16", "-l", "16", "-c", "zip", base8},
+         "rgb", 8, 3, false},
+        {"tiffcp-jpeg-ycbcr", "tiffcp", {"-c", "jpeg", "-r", "16", base8}, "rgb", 8, 3, false},
+        {"tiffcp-jpeg-ycbcr-tiles", "tiffcp", {"-c", "jpeg", "-t", "-w", "16", "-l", "16", base8}, "rgb", 8, 3, false},
+        {"magick-grey8-lzw", kMagick, {base8, "-colorspace", "Gray", "-compress", "lzw"}, "gray", 8, 1, false},
+        {"magick-grey16-tiles", kMagick, {base16, "-colorspace", "Gray", "-define", "tiff:tile-geometry=16x16"},
+         "gray", 16, 1, false},
+        {"magick-1bit-g4", kMagick, {base8, "-monochrome", "-compress", "group4"}, "gray", 8, 1, false},
+        {"magick-palette", kMagick, {base8, "-type", "Palette", "-compress", "lzw"}, "rgb", 8, 3, false},
+        {"magick-cmyk8", kMagick, {base8, "-colorspace", "CMYK"}, "cmyk", 8, 4, true},
+        {"magick-cmyk16-deflate", kMagick, {base16, "-colorspace", "CMYK", "-compress", "zip"}, "cmyk", 16, 4, true},
+                // ImageMagick's own Lab quantum rounds: one step either way.
+        {"magick-lab8", kMagick, {base8, "-colorspace", "Lab"}, "lab", 8, 3, false, 1},
+        {"magick-rgb16-big-endian", kMagick, {base16, "-endian", "MSB"}, "rgb", 16, 3, false},
+        {"magick-jpeg-rgb", kMagick, {base8, "-compress", "jpeg"}, "rgb", 8, 3, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const QString path = gwTestRoot() + "/" + c.name + ".tif";
+        int exit = -1;
+        gwRunProgram(c.program, c.args + QStringList{path}, &exit);
+        ASSERT_EQ(exit, 0) << qPrintable(c.program) << " could not write the file";
+        const std::unique_ptr<CgwBitmapBase> bitmap = loadTiff(path);
+        ASSERT_TRUE(bitmap);
+        EXPECT_EQ(bitmap->size(), QSize(67, 45));
+        const QByteArray ours = gwSampleBytes(*bitmap, c.channels, c.ink);
+        const QByteArray theirs = magickSamples(path, c.layout, c.depth);
+        if (c.tolerance == 0)
+            EXPECT_TRUE(ours == theirs) << "the samples differ";
+        else
+            EXPECT_EQ(largestDifference(ours, theirs), c.tolerance);
+    }
+}

@@ -10,39 +10,39 @@
 namespace {
 
 template <class Pixel>
-void hashSamples(const CgwBitmapT<Pixel>& bitmap, int channels, bool invert, QCryptographicHash& hash)
+void appendSamples(const CgwBitmapT<Pixel>& bitmap, int channels, bool invert, QByteArray& out)
 {
     using Sample = typename Pixel::SampleType;
     const Sample max = std::numeric_limits<Sample>::max();
-    QByteArray row;
     for (int y = 0; y < bitmap.size().height(); ++y) {
-        row.clear();
         const CgwArrayT<Pixel> line = bitmap.line(y);
         for (int x = 0; x < bitmap.size().width(); ++x) {
             for (int c = 0; c < channels; ++c) {
                 const Sample v = invert ? Sample(max - line[x].s[c]) : line[x].s[c];
                 for (size_t b = 0; b < sizeof(Sample); ++b)
-                    row.append(char(v >> (8 * b)));
+                    out.append(char(v >> (8 * b)));
             }
         }
-        hash.addData(row);
     }
 }
 
 } // namespace
 
+QByteArray gwSampleBytes(const CgwBitmapBase& bitmap, int channels, bool invert)
+{
+    QByteArray out;
+    if (const auto* narrow = dynamic_cast<const CgwBitmapT<CgwPixel8x4>*>(&bitmap))
+        appendSamples(*narrow, channels, invert, out);
+    else if (const auto* wide = dynamic_cast<const CgwBitmapT<CgwPixel16x4>*>(&bitmap))
+        appendSamples(*wide, channels, invert, out);
+    else if (const auto* grey = dynamic_cast<const CgwBitmapT<CgwPixelGrey16Type>*>(&bitmap))
+        appendSamples(*grey, channels, invert, out);
+    return out;
+}
+
 QByteArray gwSampleHash(const CgwBitmapBase& bitmap, int channels, bool invert)
 {
-    QCryptographicHash hash(QCryptographicHash::Sha256);
-    if (const auto* narrow = dynamic_cast<const CgwBitmapT<CgwPixel8x4>*>(&bitmap))
-        hashSamples(*narrow, channels, invert, hash);
-    else if (const auto* wide = dynamic_cast<const CgwBitmapT<CgwPixel16x4>*>(&bitmap))
-        hashSamples(*wide, channels, invert, hash);
-    else if (const auto* grey = dynamic_cast<const CgwBitmapT<CgwPixelGrey16Type>*>(&bitmap))
-        hashSamples(*grey, channels, invert, hash);
-    else
-        return QByteArray("not a bitmap of integer samples");
-    return hash.result().toHex();
+    return QCryptographicHash::hash(gwSampleBytes(bitmap, channels, invert), QCryptographicHash::Sha256).toHex();
 }
 
 QByteArray gwRgba8Hash(const CgwBitmapBase& bitmap, bool grey)

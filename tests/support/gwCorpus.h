@@ -25,6 +25,8 @@ QMap<QString, SgwCorpusReference> gwCorpusReferences(const QString& folder);
 // hashes samples: interleaved, `channels` a pixel, 16 bits little-endian.
 // `invert` turns every sample into maximum minus sample.
 QByteArray gwSampleHash(const CgwBitmapBase& bitmap, int channels, bool invert = false);
+// The samples themselves, in that layout.
+QByteArray gwSampleBytes(const CgwBitmapBase& bitmap, int channels, bool invert = false);
 
 // The same bitmap as 8-bit RGBA with opaque alpha; a grey bitmap's first
 // slot stands for all three colours.
