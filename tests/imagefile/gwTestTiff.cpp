@@ -1,0 +1,161 @@
+#include "gwTestTiff.h"
+
+#include "imagefile/gwTiffIO.h"
+#include "metadata/gwExif.h"
+#include "support/gwTestEnv.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QtEndian>
+
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+namespace {
+
+constexpr quint16 kExifIfdTag = 0x8769;
+
+void setFirstPageTags(TIFF* tiff, const SgwTestTiff& spec)
+{
+    if (!spec.software.isEmpty())
+        TIFFSetField(tiff, TIFFTAG_SOFTWARE, spec.software.toLatin1().constData());
+    if (!spec.hdri.isEmpty())
+        TIFFSetField(tiff, kGwTiffTagHDRi, quint16(spec.hdri.size()), spec.hdri.constData());
+    if (!spec.film.isEmpty())
+        TIFFSetField(tiff, kGwTiffTagFilm, quint16(spec.film.size()), spec.film.constData());
+    if (!spec.iptc.isEmpty())
+        TIFFSetField(tiff, TIFFTAG_RICHTIFFIPTC, quint32(spec.iptc.size()), spec.iptc.constData());
+    if (!spec.icc.isEmpty())
+        TIFFSetField(tiff, TIFFTAG_ICCPROFILE, quint32(spec.icc.size()), spec.icc.constData());
+    if (spec.makerNote)
+        TIFFSetField(tiff, TIFFTAG_EXIFIFD, quint64(1)); // patched once the Exif IFD's place is known
+}
+
+bool writePage(TIFF* tiff, const SgwTestPage& page)
+{
+    const int width = page.size.width(), height = page.size.height();
+    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, quint32(width));
+    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, quint32(height));
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, quint16(page.bits));
+    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, quint16(page.samples));
+    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, page.samples == 1 ? PHOTOMETRIC_MINISBLACK : PHOTOMETRIC_RGB);
+    TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+    TIFFSetField(tiff, TIFFTAG_SUBFILETYPE, page.subfileType);
+    TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, quint32(page.pixels ? 5 : height));
+    if (page.resolution > 0.0) {
+        TIFFSetField(tiff, TIFFTAG_XRESOLUTION, float(page.resolution));
+        TIFFSetField(tiff, TIFFTAG_YRESOLUTION, float(page.resolution));
+        TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
+    }
+    if (!page.pixels) {
+        char byte = 0;
+        return TIFFWriteRawStrip(tiff, 0, &byte, 1) == 1 && TIFFWriteDirectory(tiff);
+    }
+    const qint64 rowBytes = (qint64(width) * page.samples * page.bits + 7) / 8;
+    std::vector<uchar> row(static_cast<size_t>(rowBytes));
+    for (int y = 0; y < height; ++y) {
+        std::fill(row.begin(), row.end(), 0);
+        for (int x = 0; x < width; ++x) {
+            for (int c = 0; c < page.samples; ++c) {
+                const quint16 v = gwTestSample(page, x, y, c);
+                const int i = x * page.samples + c;
+                if (page.bits == 1)
+                    row[size_t(i / 8)] |= uchar(v << (7 - i % 8));
+                else if (page.bits == 8)
+                    row[size_t(i)] = uchar(v);
+                else
+                    std::memcpy(&row[size_t(2 * i)], &v, 2);
+            }
+        }
+        if (TIFFWriteScanline(tiff, row.data(), quint32(y), 0) < 0)
+            return false;
+    }
+    return TIFFWriteDirectory(tiff);
+}
+
+CgwExif makerNoteRecord(const SgwTestTiff& spec)
+{
+    CgwExif exif;
+    exif.setByteOrder(spec.bigEndian ? CgwExif::kBigEndian : CgwExif::kLittleEndian);
+    exif.setMakerNoteInt(0xC005, 0, spec.hdrMark);
+    exif.setMakerNoteInt(0xC001, 1, spec.gamma);
+    exif.setMakerNoteInt(0xC008, 0, spec.optical);
+    exif.setMakerNoteInt(0xC002, 0, spec.vendor);
+    exif.setMakerNoteInt(0xC009, 0, spec.scanner);
+    exif.selectExifTagsOnly();
+    return exif;
+}
+
+// Appends the Exif IFD and points the first directory's placeholder at it.
+bool appendExif(const QString& path, const SgwTestTiff& spec)
+{
+    QByteArray file = gwReadFile(path);
+    const auto number = [&](int at, int bytes) -> quint32 {
+        const uchar* p = reinterpret_cast<const uchar*>(file.constData()) + at;
+        if (bytes == 2)
+            return spec.bigEndian ? qFromBigEndian<quint16>(p) : qFromLittleEndian<quint16>(p);
+        return spec.bigEndian ? qFromBigEndian<quint32>(p) : qFromLittleEndian<quint32>(p);
+    };
+    const int ifd = int(number(4, 4));
+    const int entries = int(number(ifd, 2));
+    int valueAt = -1;
+    for (int i = 0; i < entries; ++i) {
+        if (number(ifd + 2 + 12 * i, 2) == kExifIfdTag)
+            valueAt = ifd + 2 + 12 * i + 8;
+    }
+    if (valueAt < 0)
+        return false;
+    const quint32 exifAt = quint32(file.size());
+    uchar bytes[4];
+    spec.bigEndian ? qToBigEndian(exifAt, bytes) : qToLittleEndian(exifAt, bytes);
+    file.replace(valueAt, 4, reinterpret_cast<const char*>(bytes), 4);
+    CgwExif exif = makerNoteRecord(spec);
+    QByteArray block;
+    if (!exif.writeIfd(block, 1, exifAt))
+        return false;
+    return !gwWriteTestFile(path.mid(path.lastIndexOf('/') + 1), file + block).isEmpty();
+}
+
+} // namespace
+
+quint16 gwTestSample(const SgwTestPage& page, int x, int y, int c)
+{
+    const quint32 v = quint32(x * 37 + y * 101 + c * 53 + page.seed * 17);
+    if (page.bits == 1)
+        return (x + y + page.seed) % 3 == 0 ? 1 : 0;
+    return page.bits == 8 ? quint16(v & 0xFF) : quint16((v * 263) & 0xFFFF);
+}
+
+QByteArray gwHdriBytes(quint64 offset, bool bigEndian)
+{
+    uchar bytes[8];
+    bigEndian ? qToBigEndian(offset, bytes) : qToLittleEndian(offset, bytes);
+    return QByteArray(reinterpret_cast<const char*>(bytes), 8);
+}
+
+QString gwWriteTestTiff(const QString& name, const SgwTestTiff& spec, qint64* behindOffset)
+{
+    const QString path = gwTestRoot() + "/" + name;
+    TIFF* tiff = TIFFOpen(QFile::encodeName(path).constData(), spec.bigEndian ? "wb" : "wl");
+    if (!tiff)
+        return QString();
+    gwTiffMergePrivateTags(tiff);
+    bool ok = true;
+    for (size_t i = 0; i < spec.pages.size() && ok; ++i) {
+        if (i == 0)
+            setFirstPageTags(tiff, spec);
+        ok = writePage(tiff, spec.pages[i]);
+    }
+    TIFFClose(tiff);
+    if (!ok || (spec.makerNote && !appendExif(path, spec)))
+        return QString();
+    if (behindOffset)
+        *behindOffset = QFileInfo(path).size();
+    if (!spec.behind.isEmpty()) {
+        QFile file(path);
+        if (!file.open(QIODevice::Append) || file.write(spec.behind) != spec.behind.size())
+            return QString();
+    }
+    return path;
+}
