@@ -160,3 +160,34 @@ TEST(Tiff, FilesOfOtherProgramsDecodeAsImageMagickDecodesThem)
             EXPECT_EQ(largestDifference(ours, theirs), c.tolerance);
     }
 }
+
+TEST(Tiff, DamagedCopiesOfCorpusFilesNeverCrash)
+{
+    const QStringList sources = {"hopper_lzw.tif",   "tiff_tiled_planar_16bit_RGB.tiff", "ycbcr-cat.tif",
+                                 "hopper_jpg.tif",   "palette-1c-8b.tiff",               "ojpeg_zackthecat_subsamp22_single_strip.tiff",
+                                 "tiled-gray-i1.tif", "hopper.Lab.tif"};
+    quint32 state = 20261121; // a fixed sequence: every run damages the same bytes
+    const auto next = [&state] { return state = state * 1664525u + 1013904223u; };
+    for (const QString& name : sources) {
+        const QByteArray original = gwReadFile(gwCorpusDir() + "/tiff/" + name);
+        if (original.isEmpty())
+            GTEST_SKIP() << "no corpus";
+        for (int round = 0; round < 40; ++round) {
+            QByteArray damaged = original;
+            const int flips = 1 + int(next() % 4);
+            for (int i = 0; i < flips; ++i) {
+                // The header and directories mostly sit at either end.
+                const int span = std::min<int>(damaged.size(), 600);
+                const int at = (next() & 1) ? int(next() % span) : damaged.size() - 1 - int(next() % span);
+                damaged[at] = char(next());
+            }
+            const QString path = gwWriteTestFile("damaged.tif", damaged);
+            CgwImageFileTIF tiff;
+            tiff.loadImageInformation("file:" + path, 0);
+            const std::unique_ptr<CgwBitmapBase> bitmap(tiff.loadBitmap("file:" + path, 0));
+            if (bitmap) {
+                EXPECT_GT(bitmap->size().width(), 0) << qPrintable(name) << " round " << round;
+            }
+        }
+    }
+}
