@@ -63,6 +63,7 @@ public:
 private:
     CgwBitmapBase* loadDirectory(TIFF* tiff, const QString& path, qint64 offset, int directory);
     void readPageHead(TIFF* tiff, CgwBitmapHead& head);
+    static CgwExif readExifRecord(const QString& path, qint64 offset);
 
     qint32 mState = 1;
 };
