@@ -1,6 +1,10 @@
 // The plug-in as a host sees it: loaded with QLibrary, its functions found by
 // their C++ names.
 
+#include "Sourcen/Image/gwColorMode.h"
+#include "imagefile/gwImageFileJPG.h"
+
+#include <QFile>
 #include <QLibrary>
 #include <QPainterPath>
 
@@ -71,4 +75,16 @@ TEST(Plugin, ExportsNothingButItsSurface)
     // The library's own singletons must not bind to a host's symbols of the same name.
     EXPECT_EQ(plugin().resolve("_Z13gwDebugStringRK7QString"), nullptr);
     EXPECT_EQ(plugin().resolve("sScannerTable"), nullptr);
+}
+
+TEST(Plugin, CarriesTheBuiltInPicture)
+{
+    ASSERT_TRUE(plugin().isLoaded());
+    QFile picture(QStringLiteral(":/standard.jpg"));
+    ASSERT_TRUE(picture.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(picture.read(3) == QByteArray("\xff\xd8\xff"));
+    CgwImageFileJPG jpeg;
+    const CgwBitmapHead head = jpeg.loadImageInformation(QStringLiteral("file::/standard.jpg"), 0);
+    EXPECT_EQ(head.mSize, QSize(640, 420));
+    EXPECT_EQ(head.mColorMode, EgwColorModeRGB);
 }
