@@ -16,19 +16,19 @@ namespace {
 
 constexpr quint16 kExifIfdTag = 0x8769;
 
-void setFirstPageTags(TIFF* tiff, const SgwTestTiff& spec)
+void setFirstPageTags(TIFF* tiff, const SgwTestTiff& layout)
 {
-    if (!spec.software.isEmpty())
-        TIFFSetField(tiff, TIFFTAG_SOFTWARE, spec.software.toLatin1().constData());
-    if (!spec.hdri.isEmpty())
-        TIFFSetField(tiff, kGwTiffTagHDRi, quint16(spec.hdri.size()), spec.hdri.constData());
-    if (!spec.film.isEmpty())
-        TIFFSetField(tiff, kGwTiffTagFilm, quint16(spec.film.size()), spec.film.constData());
-    if (!spec.iptc.isEmpty())
-        TIFFSetField(tiff, TIFFTAG_RICHTIFFIPTC, quint32(spec.iptc.size()), spec.iptc.constData());
-    if (!spec.icc.isEmpty())
-        TIFFSetField(tiff, TIFFTAG_ICCPROFILE, quint32(spec.icc.size()), spec.icc.constData());
-    if (spec.makerNote)
+    if (!layout.software.isEmpty())
+        TIFFSetField(tiff, TIFFTAG_SOFTWARE, layout.software.toLatin1().constData());
+    if (!layout.hdri.isEmpty())
+        TIFFSetField(tiff, kGwTiffTagHDRi, quint16(layout.hdri.size()), layout.hdri.constData());
+    if (!layout.film.isEmpty())
+        TIFFSetField(tiff, kGwTiffTagFilm, quint16(layout.film.size()), layout.film.constData());
+    if (!layout.iptc.isEmpty())
+        TIFFSetField(tiff, TIFFTAG_RICHTIFFIPTC, quint32(layout.iptc.size()), layout.iptc.constData());
+    if (!layout.icc.isEmpty())
+        TIFFSetField(tiff, TIFFTAG_ICCPROFILE, quint32(layout.icc.size()), layout.icc.constData());
+    if (layout.makerNote)
         TIFFSetField(tiff, TIFFTAG_EXIFIFD, quint64(1)); // patched once the Exif IFD's place is known
 }
 
@@ -74,28 +74,28 @@ bool writePage(TIFF* tiff, const SgwTestPage& page)
     return TIFFWriteDirectory(tiff);
 }
 
-CgwExif makerNoteRecord(const SgwTestTiff& spec)
+CgwExif makerNoteRecord(const SgwTestTiff& layout)
 {
     CgwExif exif;
-    exif.setByteOrder(spec.bigEndian ? CgwExif::kBigEndian : CgwExif::kLittleEndian);
-    exif.setMakerNoteInt(0xC005, 0, spec.hdrMark);
-    exif.setMakerNoteInt(0xC001, 1, spec.gamma);
-    exif.setMakerNoteInt(0xC008, 0, spec.optical);
-    exif.setMakerNoteInt(0xC002, 0, spec.vendor);
-    exif.setMakerNoteInt(0xC009, 0, spec.scanner);
+    exif.setByteOrder(layout.bigEndian ? CgwExif::kBigEndian : CgwExif::kLittleEndian);
+    exif.setMakerNoteInt(0xC005, 0, layout.hdrMark);
+    exif.setMakerNoteInt(0xC001, 1, layout.gamma);
+    exif.setMakerNoteInt(0xC008, 0, layout.optical);
+    exif.setMakerNoteInt(0xC002, 0, layout.vendor);
+    exif.setMakerNoteInt(0xC009, 0, layout.scanner);
     exif.selectExifTagsOnly();
     return exif;
 }
 
 // Appends the Exif IFD and points the first directory's placeholder at it.
-bool appendExif(const QString& path, const SgwTestTiff& spec)
+bool appendExif(const QString& path, const SgwTestTiff& layout)
 {
     QByteArray file = gwReadFile(path);
     const auto number = [&](int at, int bytes) -> quint32 {
         const uchar* p = reinterpret_cast<const uchar*>(file.constData()) + at;
         if (bytes == 2)
-            return spec.bigEndian ? qFromBigEndian<quint16>(p) : qFromLittleEndian<quint16>(p);
-        return spec.bigEndian ? qFromBigEndian<quint32>(p) : qFromLittleEndian<quint32>(p);
+            return layout.bigEndian ? qFromBigEndian<quint16>(p) : qFromLittleEndian<quint16>(p);
+        return layout.bigEndian ? qFromBigEndian<quint32>(p) : qFromLittleEndian<quint32>(p);
     };
     const int ifd = int(number(4, 4));
     const int entries = int(number(ifd, 2));
@@ -108,9 +108,9 @@ bool appendExif(const QString& path, const SgwTestTiff& spec)
         return false;
     const quint32 exifAt = quint32(file.size());
     uchar bytes[4];
-    spec.bigEndian ? qToBigEndian(exifAt, bytes) : qToLittleEndian(exifAt, bytes);
+    layout.bigEndian ? qToBigEndian(exifAt, bytes) : qToLittleEndian(exifAt, bytes);
     file.replace(valueAt, 4, reinterpret_cast<const char*>(bytes), 4);
-    CgwExif exif = makerNoteRecord(spec);
+    CgwExif exif = makerNoteRecord(layout);
     QByteArray block;
     if (!exif.writeIfd(block, 1, exifAt))
         return false;
@@ -134,27 +134,27 @@ QByteArray gwHdriBytes(quint64 offset, bool bigEndian)
     return QByteArray(reinterpret_cast<const char*>(bytes), 8);
 }
 
-QString gwWriteTestTiff(const QString& name, const SgwTestTiff& spec, qint64* behindOffset)
+QString gwWriteTestTiff(const QString& name, const SgwTestTiff& layout, qint64* behindOffset)
 {
     const QString path = gwTestRoot() + "/" + name;
-    TIFF* tiff = TIFFOpen(QFile::encodeName(path).constData(), spec.bigEndian ? "wb" : "wl");
+    TIFF* tiff = TIFFOpen(QFile::encodeName(path).constData(), layout.bigEndian ? "wb" : "wl");
     if (!tiff)
         return QString();
     gwTiffMergePrivateTags(tiff);
     bool ok = true;
-    for (size_t i = 0; i < spec.pages.size() && ok; ++i) {
+    for (size_t i = 0; i < layout.pages.size() && ok; ++i) {
         if (i == 0)
-            setFirstPageTags(tiff, spec);
-        ok = writePage(tiff, spec.pages[i]);
+            setFirstPageTags(tiff, layout);
+        ok = writePage(tiff, layout.pages[i]);
     }
     TIFFClose(tiff);
-    if (!ok || (spec.makerNote && !appendExif(path, spec)))
+    if (!ok || (layout.makerNote && !appendExif(path, layout)))
         return QString();
     if (behindOffset)
         *behindOffset = QFileInfo(path).size();
-    if (!spec.behind.isEmpty()) {
+    if (!layout.behind.isEmpty()) {
         QFile file(path);
-        if (!file.open(QIODevice::Append) || file.write(spec.behind) != spec.behind.size())
+        if (!file.open(QIODevice::Append) || file.write(layout.behind) != layout.behind.size())
             return QString();
     }
     return path;

@@ -39,14 +39,14 @@ SgwTestPage bigMain()
 
 SgwTestTiff hdrScan(std::vector<SgwTestPage> pages, quint64 hdri)
 {
-    SgwTestTiff spec;
-    spec.pages = std::move(pages);
-    spec.software = kOurs;
-    spec.makerNote = true;
-    spec.hdrMark = 1;
+    SgwTestTiff layout;
+    layout.pages = std::move(pages);
+    layout.software = kOurs;
+    layout.makerNote = true;
+    layout.hdrMark = 1;
     if (hdri)
-        spec.hdri = gwHdriBytes(hdri, false);
-    return spec;
+        layout.hdri = gwHdriBytes(hdri, false);
+    return layout;
 }
 
 QString location(const QString& path)
@@ -129,9 +129,9 @@ TEST(TiffSuite, HiRePXPagesBeginAboveTenMillionPixels)
         main.pixels = false;
         SgwTestPage second = page(QSize(400, 250), 8, 3, c.secondType);
         second.resolution = 40.0;
-        SgwTestTiff spec;
-        spec.pages = {main, second};
-        const QString path = gwWriteTestTiff("hirepx.tif", spec);
+        SgwTestTiff layout;
+        layout.pages = {main, second};
+        const QString path = gwWriteTestTiff("hirepx.tif", layout);
         ASSERT_FALSE(path.isEmpty());
         CgwImageFileTIF tiff;
         double resolution[2] = {0.0, 0.0};
@@ -164,11 +164,11 @@ TEST(TiffSuite, TheHdrMarkNeedsTheProductsSoftwareTag)
     };
     for (const auto& c : cases) {
         SCOPED_TRACE((c.software + QStringLiteral(" mark %1").arg(c.mark)).toStdString());
-        SgwTestTiff spec = hdrScan({page(QSize(13, 7), 16, 3, 0)}, 0);
-        spec.software = c.software;
-        spec.hdrMark = c.mark;
-        spec.gamma = c.gamma;
-        const QString path = gwWriteTestTiff("hdr.tif", spec);
+        SgwTestTiff layout = hdrScan({page(QSize(13, 7), 16, 3, 0)}, 0);
+        layout.software = c.software;
+        layout.hdrMark = c.mark;
+        layout.gamma = c.gamma;
+        const QString path = gwWriteTestTiff("hdr.tif", layout);
         const int linesBefore = gwLogLineCount();
         CgwImageFileTIF tiff;
         const CgwBitmapHead head = tiff.loadImageInformation(location(path), 0);
@@ -194,17 +194,17 @@ TEST(TiffSuite, TheHeadCarriesWhatTheFileSays)
     film.replace(0, 4, "Fuji");
     film.replace(96, 6, "Velvia");
     film.replace(192, 3, "100");
-    SgwTestTiff spec = hdrScan({page(QSize(13, 7), 16, 3, 0)}, 0);
-    spec.pages[0].resolution = 300.0;
-    spec.film = film;
-    spec.iptc = QByteArray("\x1c\x02\x78\x00\x0cHarbour 1962", 17);
+    SgwTestTiff layout = hdrScan({page(QSize(13, 7), 16, 3, 0)}, 0);
+    layout.pages[0].resolution = 300.0;
+    layout.film = film;
+    layout.iptc = QByteArray("\x1c\x02\x78\x00\x0cHarbour 1962", 17);
     const CgwTiffHandle withProfile =
         gwTiffOpenHandle(location(gwCorpusDir() + "/tiff/hopper.iccprofile.tif"), 1, 0);
     if (withProfile)
-        spec.icc = gwTiffFieldBytes(withProfile.get(), TIFFTAG_ICCPROFILE);
-    spec.vendor = 3;
-    spec.scanner = 17;
-    const QString path = gwWriteTestTiff("suite.tif", spec);
+        layout.icc = gwTiffFieldBytes(withProfile.get(), TIFFTAG_ICCPROFILE);
+    layout.vendor = 3;
+    layout.scanner = 17;
+    const QString path = gwWriteTestTiff("suite.tif", layout);
     CgwImageFileTIF tiff;
     const CgwBitmapHead head = tiff.loadImageInformation(location(path), 0);
     EXPECT_EQ(head.mSize, QSize(13, 7));
@@ -225,11 +225,11 @@ TEST(TiffSuite, TheHeadCarriesWhatTheFileSays)
     EXPECT_FALSE(p.boolValue(GgwParam_HasHiRePX, true));
     EXPECT_FALSE(p.boolValue(GgwParam_ScanModeSupportsIR, true));
     EXPECT_EQ(head.mIptc.value(0x0278), "Harbour 1962");
-    EXPECT_EQ(head.mProfile.isValid(), !spec.icc.isEmpty());
+    EXPECT_EQ(head.mProfile.isValid(), !layout.icc.isEmpty());
 
     // The optical resolution of the note replaces the tags' resolution.
-    spec.optical = 4000;
-    const CgwBitmapHead optical = tiff.loadImageInformation(location(gwWriteTestTiff("optical.tif", spec)), 0);
+    layout.optical = 4000;
+    const CgwBitmapHead optical = tiff.loadImageInformation(location(gwWriteTestTiff("optical.tif", layout)), 0);
     EXPECT_EQ(optical.mResolution, QPointF(4000.0, 4000.0));
     EXPECT_EQ(optical.mParameters.value(GgwParam_SupportedResolutions).toQString(), "4000 ");
 
@@ -292,14 +292,14 @@ TEST(TiffSuite, TheOlderIrPlaneLiesBehindTheData)
             const quint16 v = quint16(i * 611 + 5);
             plane.append(big ? char(v >> 8) : char(v)).append(big ? char(v) : char(v >> 8));
         }
-        SgwTestTiff spec = hdrScan({page(size, 8, 3, 0)}, 0);
-        spec.bigEndian = big;
-        spec.hdri = gwHdriBytes(1, big);
-        spec.behind = plane;
+        SgwTestTiff layout = hdrScan({page(size, 8, 3, 0)}, 0);
+        layout.bigEndian = big;
+        layout.hdri = gwHdriBytes(1, big);
+        layout.behind = plane;
         qint64 at = 0;
-        gwWriteTestTiff("gw6.tif", spec, &at);
-        spec.hdri = gwHdriBytes(quint64(at), big);
-        const QString path = location(gwWriteTestTiff("gw6.tif", spec));
+        gwWriteTestTiff("gw6.tif", layout, &at);
+        layout.hdri = gwHdriBytes(quint64(at), big);
+        const QString path = location(gwWriteTestTiff("gw6.tif", layout));
         CgwImageFileTIF tiff;
         ASSERT_EQ(tiff.irLocation(path), -1);
         const std::unique_ptr<CgwBitmapBase> ir(tiff.loadBitmapIR(path, 0));
@@ -313,13 +313,13 @@ TEST(TiffSuite, TheOlderIrPlaneLiesBehindTheData)
 
 TEST(TiffSuite, ACutIrPlaneEndsThePlaneWhereTheDataEnds)
 {
-    SgwTestTiff spec = hdrScan({page(QSize(8, 4), 8, 3, 0)}, 0);
-    spec.hdri = gwHdriBytes(1, false);
-    spec.behind = QByteArray(8 * 2 * 2, '\x7f'); // two of four rows
+    SgwTestTiff layout = hdrScan({page(QSize(8, 4), 8, 3, 0)}, 0);
+    layout.hdri = gwHdriBytes(1, false);
+    layout.behind = QByteArray(8 * 2 * 2, '\x7f'); // two of four rows
     qint64 at = 0;
-    gwWriteTestTiff("cut.tif", spec, &at);
-    spec.hdri = gwHdriBytes(quint64(at), false);
-    const QString path = location(gwWriteTestTiff("cut.tif", spec));
+    gwWriteTestTiff("cut.tif", layout, &at);
+    layout.hdri = gwHdriBytes(quint64(at), false);
+    const QString path = location(gwWriteTestTiff("cut.tif", layout));
     CgwImageFileTIF tiff;
     const std::unique_ptr<CgwBitmapBase> ir(tiff.loadBitmapIR(path, 0));
     ASSERT_TRUE(ir);
@@ -332,9 +332,9 @@ TEST(TiffSuite, ACutIrPlaneEndsThePlaneWhereTheDataEnds)
 TEST(TiffSuite, RowsAreCroppedWhileDecodingAndColumnsAfter)
 {
     const SgwTestPage main = page(QSize(13, 12), 8, 3, 0);
-    SgwTestTiff spec;
-    spec.pages = {main};
-    const QString path = location(gwWriteTestTiff("crop.tif", spec));
+    SgwTestTiff layout;
+    layout.pages = {main};
+    const QString path = location(gwWriteTestTiff("crop.tif", layout));
     CgwImageFileTIF tiff;
     const CgwRectT<int> crop(2, 6, 10, 11);
     tiff.setCropRect(crop);
@@ -350,9 +350,9 @@ TEST(TiffSuite, RowsAreCroppedWhileDecodingAndColumnsAfter)
 
 TEST(TiffSuite, ProgressRisesAndCancelStops)
 {
-    SgwTestTiff spec;
-    spec.pages = {page(QSize(9, 23), 8, 3, 0)}; // five stripes of five rows
-    const QString path = location(gwWriteTestTiff("progress.tif", spec));
+    SgwTestTiff layout;
+    layout.pages = {page(QSize(9, 23), 8, 3, 0)}; // five stripes of five rows
+    const QString path = location(gwWriteTestTiff("progress.tif", layout));
     CgwImageFileTIF tiff;
     QList<int> seen;
     QObject::connect(tiff.progress(), &CgwImportProgress::signalNewImageData, [&](int p) { seen << p; });
@@ -367,8 +367,8 @@ TEST(TiffSuite, ProgressRisesAndCancelStops)
 
 TEST(TiffSuite, CutAndBrokenFilesGiveNothingOrAPartialBitmap)
 {
-    SgwTestTiff spec = hdrScan({page(QSize(21, 9), 16, 3, 0), page(QSize(21, 9), 16, 1, 4)}, 1);
-    const QByteArray whole = gwReadFile(gwWriteTestTiff("whole.tif", spec));
+    SgwTestTiff layout = hdrScan({page(QSize(21, 9), 16, 3, 0), page(QSize(21, 9), 16, 1, 4)}, 1);
+    const QByteArray whole = gwReadFile(gwWriteTestTiff("whole.tif", layout));
     QStringList files;
     for (int cut = 0; cut < whole.size(); cut += 37)
         files << gwWriteTestFile(QStringLiteral("cut%1.tif").arg(cut), whole.left(cut));
