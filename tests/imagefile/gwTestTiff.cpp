@@ -134,9 +134,10 @@ QByteArray gwHdriBytes(quint64 offset, bool bigEndian)
     return QByteArray(reinterpret_cast<const char*>(bytes), 8);
 }
 
-QString gwWriteTestTiff(const QString& name, const SgwTestTiff& layout, qint64* behindOffset)
+namespace {
+
+QString writeTiff(const QString& path, const SgwTestTiff& layout)
 {
-    const QString path = gwTestRoot() + "/" + name;
     TIFF* tiff = TIFFOpen(QFile::encodeName(path).constData(), layout.bigEndian ? "wb" : "wl");
     if (!tiff)
         return QString();
@@ -148,14 +149,25 @@ QString gwWriteTestTiff(const QString& name, const SgwTestTiff& layout, qint64* 
         ok = writePage(tiff, layout.pages[i]);
     }
     TIFFClose(tiff);
-    if (!ok || (layout.makerNote && !appendExif(path, layout)))
+    return ok && (!layout.makerNote || appendExif(path, layout)) ? path : QString();
+}
+
+} // namespace
+
+QString gwWriteTestTiff(const QString& name, const SgwTestTiff& layout)
+{
+    const QString path = gwTestRoot() + "/" + name;
+    if (layout.behind.isEmpty())
+        return writeTiff(path, layout).isEmpty() ? QString() : "file:" + path;
+    // The tag's size does not change with its value: a first writing tells
+    // where the plane will start.
+    SgwTestTiff pointed = layout;
+    pointed.hdri = gwHdriBytes(1, layout.bigEndian);
+    if (writeTiff(path, pointed).isEmpty())
         return QString();
-    if (behindOffset)
-        *behindOffset = QFileInfo(path).size();
-    if (!layout.behind.isEmpty()) {
-        QFile file(path);
-        if (!file.open(QIODevice::Append) || file.write(layout.behind) != layout.behind.size())
-            return QString();
-    }
-    return path;
+    pointed.hdri = gwHdriBytes(quint64(QFileInfo(path).size()), layout.bigEndian);
+    QFile file(writeTiff(path, pointed));
+    if (!file.open(QIODevice::Append) || file.write(layout.behind) != layout.behind.size())
+        return QString();
+    return "file:" + path;
 }

@@ -34,15 +34,15 @@ struct SgwTestTiff {
     int optical = 0;    // record 0xC008
     int vendor = 0;     // record 0xC002
     int scanner = 0;    // record 0xC009
-    QByteArray behind;  // raw bytes appended after the TIFF (a GW6 IR plane)
+    QByteArray behind;  // a raw IR plane after the TIFF; the private IR tag points at it
 };
 
 // The sample of the test pattern at x, y, channel c of a page.
 quint16 gwTestSample(const SgwTestPage& page, int x, int y, int c);
 
-// Writes the file into the test's folder; the path without scheme, empty
-// when libtiff failed. `behindOffset` receives where `behind` starts.
-QString gwWriteTestTiff(const QString& name, const SgwTestTiff& spec, qint64* behindOffset = nullptr);
+// Writes the file into the test's folder; its location ("file:..."), empty
+// when libtiff failed.
+QString gwWriteTestTiff(const QString& name, const SgwTestTiff& layout);
 
 // The 8 bytes of the private IR tag for an offset, in the file's order.
 QByteArray gwHdriBytes(quint64 offset, bool bigEndian);
