@@ -158,18 +158,15 @@ TEST(Bmp, WrittenFilesHaveTheStatedLayout)
         const int block = (pad + 3) * 2 * c.channels;
         ASSERT_EQ(file.size(), c.pixelOffset + block);
         EXPECT_EQ(file.left(4), QByteArray("BM\0\0", 4)) << "a record of 16 bytes, zero behind the magic";
-        EXPECT_EQ(u32(4), quint32(file.size()));
-        EXPECT_EQ(u32(8), 0u);
-        EXPECT_EQ(u32(12), quint32(c.pixelOffset));
-        EXPECT_EQ(u32(16), 108u);
-        EXPECT_EQ(u32(20), 3u);
-        EXPECT_EQ(u32(24), 2u);
         EXPECT_EQ(u16(28), 1);
         EXPECT_EQ(u16(30), c.bitCount);
-        EXPECT_EQ(u32(32), 0u);
-        EXPECT_EQ(u32(40), 11811u); // 300 dpi
-        EXPECT_EQ(u32(44), 5906u);
-        EXPECT_EQ(u32(72), c.mode == 6 ? 2u : 1u);
+        // Offset and value of each 32-bit field: sizes, header, dimensions,
+        // no compression, 300 x 150 dpi, colour space.
+        const std::pair<int, quint32> fields[] = {{4, quint32(file.size())}, {8, 0}, {12, quint32(c.pixelOffset)},
+                                                  {16, 108}, {20, 3}, {24, 2}, {32, 0}, {40, 11811}, {44, 5906},
+                                                  {72, c.mode == 6 ? 2u : 1u}};
+        for (const auto& [at, value] : fields)
+            EXPECT_EQ(u32(at), value) << "at " << at;
         if (c.mode == 1) {
             EXPECT_EQ(file.mid(124 + 4 * 200, 4), QByteArray("\xc8\xc8\xc8\0", 4));
         }
