@@ -13,10 +13,12 @@
 
 namespace {
 
-void setRamLimit(int megabytes)
-{
-    CgwFilterOptions::instance().setOption(GgwParam_MMFRamLimit, megabytes);
-}
+// Sets the memory limit for one test and puts the usual 1024 MiB back, also
+// when an assertion leaves the test early.
+struct RamLimit {
+    explicit RamLimit(int megabytes) { CgwFilterOptions::instance().setOption(GgwParam_MMFRamLimit, megabytes); }
+    ~RamLimit() { CgwFilterOptions::instance().setOption(GgwParam_MMFRamLimit, 1024); }
+};
 
 QStringList tempFiles()
 {
@@ -26,8 +28,7 @@ QStringList tempFiles()
 // Resident anonymous memory of this process, in bytes.
 qint64 anonymousMemory()
 {
-    const QList<QByteArray> lines = gwReadFile(QStringLiteral("/proc/self/status")).split('\n');
-    for (const QByteArray& line : lines) {
+    for (const QByteArray& line : gwReadFile(QStringLiteral("/proc/self/status")).split('\n')) {
         if (line.startsWith("RssAnon:"))
             return line.mid(8).trimmed().split(' ').first().toLongLong() * 1024;
     }
@@ -38,7 +39,7 @@ qint64 anonymousMemory()
 
 TEST(Storage, SmallAndThumbnailSizesStayInMemoryAtLimitZero)
 {
-    setRamLimit(0);
+    const RamLimit limit(0);
     const struct {
         QSize size;
         bool inMemory;
@@ -52,12 +53,11 @@ TEST(Storage, SmallAndThumbnailSizesStayInMemoryAtLimitZero)
         EXPECT_EQ(tempFiles().size(), c.inMemory ? 0 : 1) << c.size.width();
     }
     EXPECT_TRUE(tempFiles().isEmpty()) << "the temporary file goes with its bitmap";
-    setRamLimit(1024);
 }
 
 TEST(Storage, AccountingFollowsTheLimit)
 {
-    setRamLimit(1);
+    const RamLimit limit(1);
     const quint64 before = gwAccountedBitmapBytes();
     auto first = std::make_unique<CgwBitmapT<CgwPixelGrey8>>();
     ASSERT_TRUE(first->createBitmap(QSize(700, 700), EgwColorModeGrey, 0)); // fits under 1 MiB
@@ -67,47 +67,38 @@ TEST(Storage, AccountingFollowsTheLimit)
     EXPECT_EQ(tempFiles().size(), 1);
     first.reset();
     EXPECT_EQ(gwAccountedBitmapBytes(), before) << "memory storage gives its bytes back";
-    setRamLimit(1024);
 }
 
 TEST(Storage, MappedViewsCoverTheFileAndOutliveTheCache)
 {
-    using Pixel = CgwPixel8x4;
-    const int width = 512 + 46; // 2232 bytes a row: 3759 rows a view
-    const int height = 10000;
-    CgwBitmapMM_MMF<Pixel> storage(QSize(width, height));
-    EXPECT_EQ(storage.rowsPerMapping(), 8388608 / (width * 4) + 1);
-
-    CgwArrayT<Pixel> held = storage.getLine(0);
-    held[0].s[0] = 7;
-    // Walk every row, writing its number: three views, the last one shorter.
-    for (int y = 0; y < height; ++y) {
-        CgwArrayT<Pixel> row = storage.getLine(y);
-        ASSERT_FALSE(row.isEmpty()) << y;
-        row[width - 24].s[1] = static_cast<unsigned char>(y);
+    // Views of 8 MiB: 3759 rows of 2232 bytes, three views with a shorter
+    // last one; or rows longer than a view, one row each.
+    const struct {
+        int width, height, rowsPerView;
+    } cases[] = {{512 + 46, 10000, 3759}, {8388608 / 4 + 10, 3, 1}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.width);
+        CgwBitmapMM_MMF<CgwPixel8x4> storage(QSize(c.width, c.height));
+        EXPECT_EQ(storage.rowsPerMapping(), c.rowsPerView);
+        CgwArrayT<CgwPixel8x4> held = storage.getLine(0);
+        held[0].s[0] = 7;
+        for (int y = 0; y < c.height; ++y) {
+            CgwArrayT<CgwPixel8x4> row = storage.getLine(y);
+            ASSERT_FALSE(row.isEmpty()) << y;
+            row[c.width - 24].s[1] = static_cast<unsigned char>(y + 1);
+        }
+        EXPECT_EQ(held[0].s[0], 7) << "the held view stayed mapped while the cache moved on";
+        held[5].s[2] = 9;
+        EXPECT_EQ(storage.getLine(0)[5].s[2], 9) << "both views show the same pages";
+        for (int y = c.height - 1; y >= 0; y -= 997)
+            EXPECT_EQ(storage.getLine(y)[c.width - 24].s[1], static_cast<unsigned char>(y + 1)) << y;
+        EXPECT_TRUE(storage.getLine(c.height).isEmpty());
     }
-    EXPECT_EQ(held[0].s[0], 7) << "the held view stayed mapped while the cache moved on";
-    held[5].s[2] = 9;
-    EXPECT_EQ(storage.getLine(0)[5].s[2], 9) << "both views show the same pages";
-    for (int y = height - 1; y >= 0; y -= 997)
-        EXPECT_EQ(storage.getLine(y)[width - 24].s[1], static_cast<unsigned char>(y));
-    EXPECT_TRUE(storage.getLine(height).isEmpty());
-}
-
-TEST(Storage, RowsLongerThanAViewGetOneRowEach)
-{
-    const int width = 8388608 / 4 + 10;
-    CgwBitmapMM_MMF<CgwPixel8x4> storage(QSize(width, 3));
-    EXPECT_EQ(storage.rowsPerMapping(), 1);
-    for (int y = 0; y < 3; ++y)
-        storage.getLine(y)[width - 24].s[3] = static_cast<unsigned char>(y + 1);
-    for (int y = 0; y < 3; ++y)
-        EXPECT_EQ(storage.getLine(y)[width - 24].s[3], y + 1);
 }
 
 TEST(Storage, BitmapOfSeveralGibibytesLivesInAFile)
 {
-    setRamLimit(64);
+    const RamLimit limit(64);
     const qint64 anonymousBefore = anonymousMemory();
     CgwBitmapT<CgwPixel16x3> bitmap;
     const QSize size(24000, 18000); // 432 million pixels, 2.4 GiB with the border
@@ -127,5 +118,4 @@ TEST(Storage, BitmapOfSeveralGibibytesLivesInAFile)
     }
     const qint64 growth = anonymousMemory() - anonymousBefore;
     EXPECT_LT(growth, 256ll << 20) << "anonymous memory grew by " << (growth >> 20) << " MiB";
-    setRamLimit(1024);
 }
