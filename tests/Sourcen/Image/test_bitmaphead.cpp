@@ -3,8 +3,8 @@
 
 #include "Sourcen/Image/gwBitmapHead.h"
 
+#include <QDataStream>
 #include <QThread>
-#include <QtEndian>
 
 #include <functional>
 #include <tuple>
@@ -19,19 +19,16 @@ struct Rec {
     qint32 value;
 };
 
+// The suite's maker note: signature, record count, eight-byte records, "NORD"; big-endian.
 QByteArray makerNote(std::initializer_list<Rec> records, const char* signature = "NVI1")
 {
     QByteArray block(signature, 4);
-    char be[4];
-    qToBigEndian<quint16>(quint16(records.size()), be);
-    block.append(be, 2);
-    for (const Rec& r : records) {
-        qToBigEndian<quint16>(r.tag, be);
-        block.append(be, 2).append(char(r.format)).append(char(1));
-        qToBigEndian<qint32>(r.value, be);
-        block.append(be, 4);
-    }
-    return block + "NORD";
+    QDataStream out(&block, QIODevice::Append);
+    out << quint16(records.size());
+    for (const Rec& r : records)
+        out << r.tag << r.format << quint8(1) << r.value;
+    out.writeRawData("NORD", 4);
+    return block;
 }
 
 CgwExif exifWithNote(const QByteArray& note)
