@@ -1,45 +1,12 @@
 #include "gwTestProfiles.h"
 
-#include "colour/gwLcmsHandles.h"
-
-#include <QtEndian>
-
-#include <memory>
-
 namespace {
-
-struct PipelineCloser {
-    void operator()(cmsPipeline* pipeline) const { cmsPipelineFree(pipeline); }
-};
-struct MluCloser {
-    void operator()(cmsMLU* mlu) const { cmsMLUfree(mlu); }
-};
-struct CurveCloser {
-    void operator()(cmsToneCurve* curve) const { cmsFreeToneCurve(curve); }
-};
-using Pipeline = std::unique_ptr<cmsPipeline, PipelineCloser>;
-using Mlu = std::unique_ptr<cmsMLU, MluCloser>;
-using Curve = std::unique_ptr<cmsToneCurve, CurveCloser>;
-
-QByteArray saved(const CgwLcmsProfile& profile)
-{
-    cmsUInt32Number size = 0;
-    if (!profile || !cmsSaveProfileToMem(profile.get(), nullptr, &size))
-        return QByteArray();
-    QByteArray bytes(int(size), '\0');
-    return cmsSaveProfileToMem(profile.get(), bytes.data(), &size) ? bytes : QByteArray();
-}
-
-CgwLcmsProfile opened(const QByteArray& bytes)
-{
-    return CgwLcmsProfile(cmsOpenProfileFromMem(bytes.constData(), cmsUInt32Number(bytes.size())));
-}
 
 bool describe(const CgwLcmsProfile& profile, const QString& text)
 {
     if (text.isNull())
         return cmsWriteTag(profile.get(), cmsSigProfileDescriptionTag, nullptr);
-    const Mlu mlu(cmsMLUalloc(nullptr, 1));
+    const std::unique_ptr<cmsMLU, decltype(&cmsMLUfree)> mlu(cmsMLUalloc(nullptr, 1), cmsMLUfree);
     return mlu && cmsMLUsetASCII(mlu.get(), "en", "US", text.toLatin1().constData())
            && cmsWriteTag(profile.get(), cmsSigProfileDescriptionTag, mlu.get());
 }
@@ -56,11 +23,10 @@ bool append(cmsPipeline* pipeline, cmsStage* stage)
 
 // Identity curves around a grid of zeros: the smallest table that version 4
 // lets Little CMS write.
-bool writeClut(const CgwLcmsProfile& profile, cmsTagSignature tag, int inputs, int outputs)
+bool writeClut(const CgwLcmsProfile& profile, cmsTagSignature tag, cmsUInt32Number in, cmsUInt32Number out)
 {
-    const auto in = cmsUInt32Number(inputs);
-    const auto out = cmsUInt32Number(outputs);
-    const Pipeline pipeline(cmsPipelineAlloc(nullptr, in, out));
+    const std::unique_ptr<cmsPipeline, decltype(&cmsPipelineFree)> pipeline(cmsPipelineAlloc(nullptr, in, out),
+                                                                           cmsPipelineFree);
     return pipeline && append(pipeline.get(), cmsStageAllocToneCurves(nullptr, in, nullptr))
            && append(pipeline.get(), cmsStageAllocCLut16bit(nullptr, 2, in, out, nullptr))
            && append(pipeline.get(), cmsStageAllocToneCurves(nullptr, out, nullptr))
@@ -69,69 +35,60 @@ bool writeClut(const CgwLcmsProfile& profile, cmsTagSignature tag, int inputs, i
 
 } // namespace
 
+QByteArray gwSavedProfile(cmsHPROFILE handle)
+{
+    const CgwLcmsProfile profile(handle);
+    cmsUInt32Number size = 0;
+    if (!profile || !cmsSaveProfileToMem(profile.get(), nullptr, &size))
+        return QByteArray();
+    QByteArray bytes(int(size), '\0');
+    return cmsSaveProfileToMem(profile.get(), bytes.data(), &size) ? bytes : QByteArray();
+}
+
 QByteArray gwSRGBProfileBytes()
 {
-    return saved(CgwLcmsProfile(cmsCreate_sRGBProfile()));
+    return gwSavedProfile(cmsCreate_sRGBProfile());
 }
 
 QByteArray gwGrayProfileBytes()
 {
-    const Curve gamma(cmsBuildGamma(nullptr, 2.2));
-    return saved(CgwLcmsProfile(cmsCreateGrayProfile(cmsD50_xyY(), gamma.get())));
+    const std::unique_ptr<cmsToneCurve, decltype(&cmsFreeToneCurve)> gamma(cmsBuildGamma(nullptr, 2.2),
+                                                                           cmsFreeToneCurve);
+    return gwSavedProfile(cmsCreateGrayProfile(cmsD50_xyY(), gamma.get()));
 }
 
 QByteArray gwLutProfileBytes(cmsProfileClassSignature profileClass, cmsColorSpaceSignature space)
 {
-    const CgwLcmsProfile profile(cmsCreateProfilePlaceholder(nullptr));
-    const int channels = int(cmsChannelsOf(space));
+    CgwLcmsProfile profile(cmsCreateProfilePlaceholder(nullptr));
+    const cmsUInt32Number channels = cmsChannelsOf(space);
     cmsSetProfileVersion(profile.get(), 4.3);
     cmsSetDeviceClass(profile.get(), profileClass);
     cmsSetColorSpace(profile.get(), space);
     cmsSetPCS(profile.get(), cmsSigLabData);
     const bool made = writeClut(profile, cmsSigAToB0Tag, channels, 3) && writeClut(profile, cmsSigBToA0Tag, 3, channels)
                       && describe(profile, QStringLiteral("Test LUT"));
-    return made ? saved(profile) : QByteArray();
-}
-
-QByteArray gwInkLimitingLinkBytes()
-{
-    return saved(CgwLcmsProfile(cmsCreateInkLimitingDeviceLink(cmsSigCmykData, 300.0)));
-}
-
-QByteArray gwLabIdentityBytes()
-{
-    return saved(CgwLcmsProfile(cmsCreateLab4Profile(nullptr)));
-}
-
-QByteArray gwXYZIdentityBytes()
-{
-    return saved(CgwLcmsProfile(cmsCreateXYZProfile()));
+    return made ? gwSavedProfile(profile.release()) : QByteArray();
 }
 
 QByteArray gwAsVersion2(const QByteArray& bytes)
 {
-    const CgwLcmsProfile profile = opened(bytes);
+    CgwLcmsProfile profile = gwOpenedByLcms(bytes);
     if (!profile)
         return QByteArray();
     // Reading the description first makes Little CMS write it anew in the
     // type of the new version instead of copying the old bytes.
     cmsReadTag(profile.get(), cmsSigProfileDescriptionTag);
     cmsSetProfileVersion(profile.get(), 2.1);
-    return saved(profile);
+    return gwSavedProfile(profile.release());
 }
 
 QByteArray gwWithDescription(const QByteArray& bytes, const QString& text)
 {
-    const CgwLcmsProfile profile = opened(bytes);
-    return profile && describe(profile, text) ? saved(profile) : QByteArray();
+    CgwLcmsProfile profile = gwOpenedByLcms(bytes);
+    return profile && describe(profile, text) ? gwSavedProfile(profile.release()) : QByteArray();
 }
 
-quint32 gwBigEndian32(const QByteArray& bytes, int offset)
+CgwLcmsProfile gwOpenedByLcms(const QByteArray& bytes)
 {
-    return offset + 4 <= bytes.size() ? qFromBigEndian<quint32>(bytes.constData() + offset) : 0;
-}
-
-quint16 gwBigEndian16(const QByteArray& bytes, int offset)
-{
-    return offset + 2 <= bytes.size() ? qFromBigEndian<quint16>(bytes.constData() + offset) : 0;
+    return CgwLcmsProfile(cmsOpenProfileFromMem(bytes.constData(), cmsUInt32Number(bytes.size())));
 }

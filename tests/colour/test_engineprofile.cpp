@@ -3,7 +3,6 @@
 
 #include "colour/gwEngineProfile.h"
 #include "colour/gwIccSignature.h"
-#include "colour/gwLcmsHandles.h"
 #include "gwTestProfiles.h"
 #include "support/gwTestEnv.h"
 
@@ -38,39 +37,29 @@ TEST(EngineProfile, RefusesWhatIsNoProfileAndSaysWhy)
     EXPECT_TRUE(error.contains(missing)) << error.toStdString();
 }
 
-TEST(EngineProfile, OpensFilesAndBlocksWithTheHeaderTheyCarry)
+TEST(EngineProfile, OpensFilesAndBlocksForReadingOnly)
 {
     const QByteArray bytes = gwGrayProfileBytes();
     const QString path = gwWriteTestFile(QStringLiteral("engine/gray.icc"), bytes);
     for (const auto& profile : {CgwEngineProfile::openMemory(bytes), CgwEngineProfile::openFile(path)}) {
         ASSERT_NE(profile, nullptr);
         EXPECT_TRUE(profile->isValid());
+        EXPECT_EQ(profile->header().size, quint32(bytes.size()));
+        EXPECT_EQ(profile->element(gwIccSignature("kTRC")).left(4), QByteArray("para"));
         EXPECT_FALSE(profile->isWritable());
-        const SgwProfileHeader header = profile->header();
-        EXPECT_EQ(header.size, quint32(bytes.size()));
-        EXPECT_EQ(header.cmmType, gwBigEndian32(bytes, 4));
-        EXPECT_EQ(header.deviceClass, gwIccSignature("mntr"));
-        EXPECT_EQ(header.colorSpace, gwIccSignature("GRAY"));
-        EXPECT_EQ(header.platform, gwBigEndian32(bytes, 40));
-        EXPECT_EQ(header.illuminantX, qint32(gwBigEndian32(bytes, 68)));
-        EXPECT_GT(profile->elementSize(gwIccSignature("kTRC")), 12u);
-        EXPECT_EQ(profile->elementSize(gwIccSignature("A2B0")), 0u);
+        EXPECT_FALSE(profile->setHeader(profile->header()));
+        EXPECT_FALSE(profile->setElementSize(kTag, 16));
+        EXPECT_FALSE(profile->setElement(gwIccSignature("kTRC"), 0, QByteArray("curv")));
     }
-}
-
-TEST(EngineProfile, ProfilesOpenedForReadingRefuseWrites)
-{
-    const auto profile = CgwEngineProfile::openMemory(gwSRGBProfileBytes());
-    ASSERT_NE(profile, nullptr);
-    EXPECT_FALSE(profile->setHeader(profile->header()));
-    EXPECT_FALSE(profile->setElementSize(kTag, 16));
-    EXPECT_FALSE(profile->setElement(gwIccSignature("desc"), 0, QByteArray("text")));
 }
 
 TEST(EngineProfile, ElementsAreSizedBeforeTheyAreWrittenAndWritesStayInside)
 {
     const auto profile = CgwEngineProfile::createWritable();
     ASSERT_NE(profile, nullptr);
+    // Without a class, colour spaces and tables the engine has nothing to
+    // transform with.
+    EXPECT_FALSE(profile->isValid());
     EXPECT_FALSE(profile->setElement(kTag, 0, QByteArray("text")));
     ASSERT_TRUE(profile->setElementSize(kTag, 12));
     EXPECT_EQ(profile->element(kTag), QByteArray(12, '\0'));
@@ -103,34 +92,15 @@ TEST(EngineProfile, TheCallersHeaderSurvivesSerialisation)
     header.illuminantZ = 0xD32B;
     ASSERT_TRUE(profile->setHeader(header));
 
+    // Little CMS would write its own version, date and more; the bytes must
+    // hold the caller's.
     const QByteArray bytes = profile->toBytes();
-    const auto reread = CgwEngineProfile::openMemory(bytes);
-    ASSERT_NE(reread, nullptr);
-    const SgwProfileHeader back = reread->header();
-    EXPECT_EQ(back.size, quint32(bytes.size()));
-    EXPECT_EQ(back.cmmType, header.cmmType);
-    EXPECT_EQ(back.platform, header.platform);
-    EXPECT_EQ(back.illuminantX, header.illuminantX);
-    EXPECT_EQ(back.illuminantZ, header.illuminantZ);
-    EXPECT_EQ(back.year, 2019);
-    EXPECT_EQ(back.second, 15);
-    EXPECT_EQ(back.attributes, header.attributes);
-    // What the engine itself keeps agrees with the bytes.
-    const CgwLcmsProfile lcms(cmsOpenProfileFromMem(bytes.constData(), cmsUInt32Number(bytes.size())));
-    ASSERT_TRUE(lcms);
-    EXPECT_EQ(cmsGetDeviceClass(lcms.get()), cmsSigAbstractClass);
-    EXPECT_EQ(cmsGetPCS(lcms.get()), cmsSigXYZData);
-    EXPECT_EQ(cmsGetEncodedICCversion(lcms.get()), 0x02100000u);
-    EXPECT_EQ(cmsGetHeaderManufacturer(lcms.get()), gwIccSignature("NORV"));
-    EXPECT_EQ(cmsGetHeaderModel(lcms.get()), 42u);
-    EXPECT_EQ(cmsGetHeaderRenderingIntent(lcms.get()), 2u);
-}
-
-TEST(EngineProfile, AWritableProfileIsValidOnlyWhenItsBytesCanBeUsed)
-{
-    const auto profile = CgwEngineProfile::createWritable();
-    ASSERT_NE(profile, nullptr);
-    // Without a class, colour spaces and tables the engine has nothing to
-    // transform with.
-    EXPECT_FALSE(profile->isValid());
+    ASSERT_NE(CgwEngineProfile::openMemory(bytes), nullptr);
+    EXPECT_EQ(gwBigEndian<quint32>(bytes, 0), quint32(bytes.size()));
+    EXPECT_EQ(bytes.mid(4, 20), QByteArray("Lino\x02\x10\0\0abstLab XYZ ", 20));
+    EXPECT_EQ(bytes.mid(24, 12).toHex().toStdString(), "07e3000b0019000d000e000f") << "2019-11-25 13:14:15";
+    EXPECT_EQ(bytes.mid(40, 4), "MSFT");
+    // Manufacturer, model, attributes, intent, illuminant.
+    EXPECT_EQ(bytes.mid(48, 32).toHex().toStdString(),
+              "4e4f5256" "0000002a" "0102030405060708" "00000002" "0000f6d4" "00010000" "0000d32b");
 }

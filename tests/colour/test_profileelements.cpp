@@ -8,18 +8,6 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-
-QByteArray bytes(std::initializer_list<int> values)
-{
-    QByteArray out;
-    for (int v : values)
-        out.append(char(v));
-    return out;
-}
-
-} // namespace
-
 TEST(ProfileElements, TextBlockIsTypeReservedAndZeroEndedLatin1)
 {
     EXPECT_EQ(CgwProfileElements::textBlock(QStringLiteral("Lab")), QByteArray("text\0\0\0\0Lab\0", 12));
@@ -46,9 +34,9 @@ TEST(ProfileElements, ToneCurvesHoldU8Fixed8ValuesInBlocksOfTheStatedLength)
 TEST(ProfileElements, XyzBlocksRoundToS15Fixed16AndRefuseWhatDoesNotFit)
 {
     EXPECT_EQ(CgwProfileElements::xyzBlock(0.96417, 1.0, 0.82487),
-              QByteArray("XYZ \0\0\0\0", 8) + bytes({0, 0, 0xF6, 0xD4, 0, 1, 0, 0, 0, 0, 0xD3, 0x2B}));
+              QByteArray("XYZ \0\0\0\0", 8) + QByteArray::fromHex("0000f6d4 00010000 0000d32b"));
     EXPECT_EQ(CgwProfileElements::xyzBlock(-0.5, 0.0, 32767.0).mid(8),
-              bytes({0xFF, 0xFF, 0x80, 0x01, 0, 0, 0, 0, 0x7F, 0xFF, 0, 0}));
+              QByteArray::fromHex("ffff8001 00000000 7fff0000"));
     EXPECT_TRUE(CgwProfileElements::xyzBlock(0.0, 32768.0, 0.0).isEmpty());
     EXPECT_TRUE(CgwProfileElements::xyzBlock(0.0, 0.0, -32769.0).isEmpty());
 }
@@ -66,23 +54,33 @@ TEST(ProfileElements, IdentityLutHasTheStatedLengthAndRefusesOddShapes)
             << c.grid << " " << c.in << " " << c.out;
 }
 
-TEST(ProfileElements, ThreePointGridListsItsNodesFirstChannelSlowest)
+TEST(ProfileElements, IdentityLutIsAnMft2OfIdentityMatrixCurvesAndGrid)
 {
-    const QByteArray lut = CgwProfileElements::identityLut16Block(3, 2, 2);
-    const int grid = 52 + 3 * 2 * 2;
-    // Node 5 is (0, 1, 2) in grid steps; 65535 / 2 rounds to 32768.
-    EXPECT_EQ(gwBigEndian16(lut, grid + 5 * 6), 0);
-    EXPECT_EQ(gwBigEndian16(lut, grid + 5 * 6 + 2), 32768);
-    EXPECT_EQ(gwBigEndian16(lut, grid + 5 * 6 + 4), 65535);
-    // Node 9 is (1, 0, 0).
-    EXPECT_EQ(gwBigEndian16(lut, grid + 9 * 6), 32768);
-    EXPECT_EQ(gwBigEndian16(lut, grid + 9 * 6 + 4), 0);
+    // Two grid points and 256-entry curves, as the Lab profile carries them.
+    const QByteArray lut = CgwProfileElements::identityLut16Block(2, 256, 256);
+    EXPECT_EQ(lut.left(12), QByteArray("mft2\0\0\0\0\3\3\2\0", 12));
+    for (int i = 0; i < 9; ++i)
+        EXPECT_EQ(gwBigEndian<quint32>(lut, 12 + 4 * i), i % 4 == 0 ? 0x10000u : 0u) << "matrix " << i;
+    EXPECT_EQ(gwBigEndian<quint32>(lut, 48), 0x01000100u) << "256 entries in and out";
+    const int grid = 52 + 3 * 512, lastOutput = grid + 8 * 6 + 2 * 512;
+    EXPECT_EQ(gwBigEndian<quint16>(lut, 52 + 512 + 2), 257) << "the second input curve";
+    // The nodes run with the first channel slowest.
+    for (int node = 0; node < 8; ++node)
+        for (int c = 0; c < 3; ++c)
+            EXPECT_EQ(gwBigEndian<quint16>(lut, grid + 6 * node + 2 * c), (node >> (2 - c) & 1) * 65535) << node << c;
+    EXPECT_EQ(gwBigEndian<quint16>(lut, lastOutput + 2 * 128), 128 * 257);
+
+    // On a grid of three, node 5 is (0, 1, 2) in steps; 65535 / 2 rounds up.
+    const QByteArray three = CgwProfileElements::identityLut16Block(3, 2, 2);
+    EXPECT_EQ(gwBigEndian<quint16>(three, 52 + 12 + 5 * 6 + 2), 32768);
+    EXPECT_EQ(gwBigEndian<quint16>(three, 52 + 12 + 5 * 6 + 4), 65535);
 }
 
 TEST(ProfileElements, TextIsReadFromEveryDescriptionType)
 {
-    QByteArray mluc = QByteArray("mluc\0\0\0\0", 8) + bytes({0, 0, 0, 1, 0, 0, 0, 12, 'e', 'n', 'U', 'S', 0, 0, 0, 6,
-                                                              0, 0, 0, 28, 0, 'A', 0, 0xE9, 0, 'z'});
+    // 'mluc', one record of 12 bytes: "enUS", six bytes at 28, "A\u00e9z" in UTF-16.
+    const QByteArray mluc = QByteArray::fromHex("6d6c7563 00000000 00000001 0000000c"
+                                                "656e5553 00000006 0000001c 004100e9007a");
     const struct {
         const char* what;
         QByteArray block;
