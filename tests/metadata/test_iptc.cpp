@@ -20,14 +20,10 @@ QString copyOfIptcJpeg(const QString& name)
     return bytes.isEmpty() ? QString() : gwWriteTestFile(name, bytes);
 }
 
+// The values of a dataset as the exiv2 program reads them.
 QStringList datasets(const QString& path, const QString& key)
 {
-    QStringList values;
-    const QByteArray out = gwRunProgram("exiv2", {"-q", "-K", key, "-Pv", path});
-    for (const QByteArray& line : out.split('\n'))
-        if (!line.isEmpty())
-            values << QString::fromUtf8(line);
-    return values;
+    return QString::fromUtf8(gwRunProgram("exiv2", {"-q", "-K", key, "-Pv", path})).split('\n', Qt::SkipEmptyParts);
 }
 
 CgwParameterSet keywords(const QStringList& words)
@@ -98,30 +94,14 @@ TEST(Iptc, Exiv2ErrorsEndInOneLogLine)
     EXPECT_TRUE(none.isEmpty());
 }
 
-TEST(Iptc, TextTable)
+TEST(Iptc, TextJoinsRepeatedDatasets)
 {
-    EXPECT_EQ(CgwIptc::textTableRows(), 60);
     CgwIptc iptc;
     iptc.addValue(0x0219, "film");
     iptc.addValue(0x0219, "slide");
-    const struct {
-        int tag;
-        const char* label;
-        const char* key;
-        const char* value;
-    } cases[] = {
-        {0x0219, "Keywords", "%iptckays%", "film; slide"},
-        {0x0105, "Destination", "%iptcdestination%", ""},
-        {0x0114, "File format", "%iptcfileformat%", ""},
-        {0x0128, "Envelope number", "%iptcenvenum%", ""},
-        {0x0214, "Sublemental category", "%iptcsubcat%", ""},
-        {0x0287, "Language identifier", "%iptclangid%", ""},
-        {0x0299, "", "", ""},
-    };
-    for (const auto& c : cases) {
-        QString label, key;
-        EXPECT_EQ(iptc.valueAsText(c.tag, label, key), c.value) << std::hex << c.tag;
-        EXPECT_EQ(label, c.label);
-        EXPECT_EQ(key, c.key);
-    }
+    QString label, key;
+    EXPECT_EQ(iptc.valueAsText(0x0219, label, key), "film; slide");
+    EXPECT_EQ(key, "%iptckays%") << "as users' templates spell it";
+    EXPECT_EQ(iptc.valueAsText(0x0299, label, key), "");
+    EXPECT_TRUE(label.isEmpty() && key.isEmpty()) << "a dataset without a row";
 }
