@@ -1,14 +1,12 @@
 // Parameter XML: the exact bytes of a written file, reading it back, and
 // bad input that must give an empty set and one log line.
 
-#include "diagnostics/gwDebug.h"
 #include "diagnostics/gwSystem.h"
 #include "settings/gwXmlDataHandler.h"
 #include "settings/gwXmlParameterSet.h"
 #include "support/gwTestEnv.h"
 
 #include <QBuffer>
-#include <QFile>
 #include <QRegularExpression>
 
 #include <gtest/gtest.h>
@@ -23,73 +21,51 @@ QByteArray written(const CgwParameterSet& set)
     return buffer.data();
 }
 
-// Replaces the moment of writing, which alone may differ between runs.
-QByteArray masked(QByteArray document)
+// The document before its closing NUL, with the moment of writing, which alone
+// may differ between runs, masked.
+QString masked(const QByteArray& document)
 {
-    // fromUtf8 would stop at the closing NUL; keep it apart.
-    const bool nul = document.endsWith('\0');
-    if (nul)
-        document.chop(1);
-    QString text = QString::fromUtf8(document);
+    QString text = QString::fromUtf8(document.chopped(1));
     text.replace(QRegularExpression(QStringLiteral(R"(\d\d\.\d\d\.\d{4} \d\d:\d\d:\d\d)")), "DD.MM.YYYY hh:mm:ss");
-    text.replace(QRegularExpression(QStringLiteral(R"(\(c\) \d{4} )")), "(c) YYYY ");
-    return text.toUtf8() + (nul ? QByteArray(1, '\0') : QByteArray());
-}
-
-QByteArray header()
-{
-    return "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\"?>\r\n"
-           "\r\n"
-           "<!DOCTYPE ParameterSet>\r\n"
-           "\r\n"
-           "<!-- Xml Preference file, written by Glimmerway "
-           + CgwSystem::applicationVersion(true).toUtf8()
-           + ".-->\r\n"
-             "<!-- Copyright (c) YYYY Norvane Imaging. All rights reserved.-->\r\n"
-             "<!-- File created on DD.MM.YYYY hh:mm:ss-->\r\n"
-             "\r\n";
-}
-
-int logLineCount()
-{
-    return int(gwReadFile(gwTestLogPath()).count('\n'));
+    return text.replace(QRegularExpression(QStringLiteral(R"(\(c\) \d{4} )")), "(c) YYYY ");
 }
 
 } // namespace
 
+// The exact bytes, CRLF line ends and the closing NUL included.
 TEST(ParameterXml, DocumentFormByteForByte)
 {
+    const QString header = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\"?>\r\n\r\n"
+                           "<!DOCTYPE ParameterSet>\r\n\r\n"
+                           "<!-- Xml Preference file, written by Glimmerway "
+                           + CgwSystem::applicationVersion(true)
+                           + ".-->\r\n"
+                             "<!-- Copyright (c) YYYY Norvane Imaging. All rights reserved.-->\r\n"
+                             "<!-- File created on DD.MM.YYYY hh:mm:ss-->\r\n\r\n";
     CgwParameterSet set;
     set.setBool(QStringLiteral("IsHDR"), true);
     set.setString(QStringLiteral("Name"), QStringLiteral("New Job"));
     set.setValue(QStringLiteral("Path"), QStringLiteral("a:b;c,d{e}\\f<g>&h%i\nj k"));
     set.setValue(QStringLiteral("Empty"), QString());
-    const QByteArray expected = header()
-                                + "<ParameterSet>\r\n"
-                                  "\t<Empty>\r\n"
-                                  "\t</Empty>\r\n"
-                                  "\t<IsHDR>\r\n"
-                                  "\t\tTRUE%20\r\n"
-                                  "\t</IsHDR>\r\n"
-                                  "\t<Name>\r\n"
-                                  "\t\tNew~0020Job%20\r\n"
-                                  "\t</Name>\r\n"
-                                  "\t<Path>\r\n"
-                                  "\t\ta%3ab%3bc%2cd%7be%7d%5cf%3cg%3e%26h%25i%0aj%20k\r\n"
-                                  "\t</Path>\r\n"
-                                  "</ParameterSet>\r\n"
-                                + QByteArray(1, '\0');
-    const QByteArray document = written(set);
-    EXPECT_EQ(masked(document), expected);
-    EXPECT_EQ(document.count('\0'), 1);
-    EXPECT_EQ(CgwXmlParameterSet::read(document), set);
-}
-
-TEST(ParameterXml, EmptySetGivesHeaderAndEmptyRoot)
-{
-    const QByteArray document = written(CgwParameterSet());
-    EXPECT_EQ(masked(document), header() + "<ParameterSet>\r\n</ParameterSet>\r\n" + QByteArray(1, '\0'));
-    EXPECT_TRUE(CgwXmlParameterSet::read(document).isEmpty());
+    const struct {
+        CgwParameterSet set;
+        const char* body;
+    } cases[] = {
+        {CgwParameterSet(), "<ParameterSet>\r\n</ParameterSet>\r\n"},
+        {set, "<ParameterSet>\r\n"
+              "\t<Empty>\r\n\t</Empty>\r\n"
+              "\t<IsHDR>\r\n\t\tTRUE%20\r\n\t</IsHDR>\r\n"
+              "\t<Name>\r\n\t\tNew~0020Job%20\r\n\t</Name>\r\n"
+              "\t<Path>\r\n\t\ta%3ab%3bc%2cd%7be%7d%5cf%3cg%3e%26h%25i%0aj%20k\r\n\t</Path>\r\n"
+              "</ParameterSet>\r\n"},
+    };
+    for (const auto& c : cases) {
+        const QByteArray document = written(c.set);
+        EXPECT_EQ(masked(document), header + c.body);
+        EXPECT_TRUE(document.endsWith('\0'));
+        EXPECT_EQ(document.count('\0'), 1);
+        EXPECT_EQ(CgwXmlParameterSet::read(document), c.set);
+    }
 }
 
 TEST(ParameterXml, EveryKindOfValueSurvivesAFile)
@@ -102,17 +78,7 @@ TEST(ParameterXml, EveryKindOfValueSurvivesAFile)
     set.setString(QStringLiteral("Text"), QStringLiteral("tab\tblank ~tilde äöü 日本"));
     set.setString(QStringLiteral("Nothing"), QString());
     set.setValue(QStringLiteral("List"), QStringLiteral("1 2 3 "));
-    const QString path = gwTestRoot() + QStringLiteral("/set.xml");
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    set.writeTo(file);
-    file.close();
-
-    const CgwParameterSet back = CgwXmlParameterSet::readFile(path);
-    EXPECT_EQ(back, set);
-    EXPECT_EQ(back.stringValue(QStringLiteral("Text"), QString()), "tab\tblank ~tilde äöü 日本");
-    EXPECT_EQ(CgwParameterSet::uLongLongFromValue(back.value(QStringLiteral("Unsigned"))),
-              std::numeric_limits<quint64>::max());
+    EXPECT_EQ(CgwXmlParameterSet::readFile(gwWriteTestFile(QStringLiteral("set.xml"), written(set))), set);
 }
 
 TEST(ParameterXml, BadDocumentsGiveAnEmptySetAndOneLogLine)
@@ -136,38 +102,29 @@ TEST(ParameterXml, BadDocumentsGiveAnEmptySetAndOneLogLine)
         {"key twice", "<ParameterSet><A>1</A><A>2</A></ParameterSet>"},
         {"text after the root", "<ParameterSet></ParameterSet><X/>"},
     };
-    gwDebugString(QStringLiteral("the log is open before the first case"));
     for (const auto& c : cases) {
-        const int before = logLineCount();
-        EXPECT_TRUE(CgwXmlParameterSet::read(c.bytes).isEmpty()) << c.name;
-        EXPECT_EQ(logLineCount(), before + 1) << c.name;
+        SCOPED_TRACE(c.name);
+        const int before = gwLogLineCount();
+        EXPECT_TRUE(CgwXmlParameterSet::read(c.bytes).isEmpty());
+        EXPECT_EQ(gwLogLineCount(), before + 1);
+        EXPECT_TRUE(gwLastLogLine().startsWith("gwDebug: CgwXmlParameterSet::read : Error: "));
     }
-    EXPECT_TRUE(gwReadFile(gwTestLogPath()).contains("gwDebug: CgwXmlParameterSet::read : Error: "));
 }
 
 TEST(ParameterXml, HelpAndMovieCataloguesAreRead)
 {
-    const QString path = gwTestRoot() + QStringLiteral("/catalogue.xml");
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("<Catalogue>\n"
-               " <Guide id=\"scan\">  Scanning film  <Link>scan.pdf</Link><Revision>3</Revision>"
-               "<NotNeeded>no</NotNeeded><Interactive>yes</Interactive></Guide>\n"
-               " <Movie id=\"m1\">Not a guide<Link>m1.mp4</Link></Movie>\n"
-               " <Guide id=\"hdr\">HDR<Link>hdr.pdf</Link></Guide>\n"
-               "</Catalogue>\n");
-    file.close();
-
+    const QString path = gwWriteTestFile(
+        QStringLiteral("catalogue.xml"),
+        "<Catalogue>\n <Guide id=\"scan\">  Scanning film  <Link>scan.pdf</Link><Revision>3</Revision>"
+        "<NotNeeded>no</NotNeeded><Interactive>yes</Interactive></Guide>\n"
+        " <Movie id=\"m1\">Not a guide<Link>m1.mp4</Link></Movie>\n"
+        " <Guide id=\"hdr\">HDR<Link>hdr.pdf</Link></Guide>\n</Catalogue>\n");
     CgwXmlHelpDataHandler help;
     ASSERT_TRUE(help.parseFile(path));
     ASSERT_EQ(help.entries().size(), 2);
     const SgwCatalogueEntry& first = help.entries().first();
-    EXPECT_EQ(first.id, "scan");
-    EXPECT_EQ(first.title, "Scanning film");
-    EXPECT_EQ(first.link, "scan.pdf");
-    EXPECT_EQ(first.revision, "3");
-    EXPECT_EQ(first.notNeeded, "no");
-    EXPECT_EQ(first.interactive, "yes");
+    EXPECT_EQ((QStringList{first.id, first.title, first.link, first.revision, first.notNeeded, first.interactive}),
+              (QStringList{"scan", "Scanning film", "scan.pdf", "3", "no", "yes"}));
     EXPECT_EQ(help.entryUrl(help.entries().last()), "showdocu/hdr.pdf");
     EXPECT_EQ(help.entries().last().revision, "") << "fields start empty for each entry";
 
@@ -177,10 +134,7 @@ TEST(ParameterXml, HelpAndMovieCataloguesAreRead)
     EXPECT_EQ(movies.entryUrl(movies.entries().first()), "showMovie/m1.mp4");
     EXPECT_TRUE(movies.folder().endsWith("/Glimmerway 8/Movies"));
 
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write("<Catalogue>\n<Guide id=\"x\">broken\n</Catalogue>\n");
-    file.close();
     CgwXmlHelpDataHandler broken;
-    EXPECT_FALSE(broken.parseFile(path));
-    EXPECT_TRUE(gwReadFile(gwTestLogPath()).contains("gwDebug: Fatal error on line 3, column"));
+    EXPECT_FALSE(broken.parseFile(gwWriteTestFile("broken.xml", "<Catalogue>\n<Guide id=\"x\">b\n</Catalogue>\n")));
+    EXPECT_TRUE(gwLastLogLine().startsWith("gwDebug: Fatal error on line 3, column"));
 }
