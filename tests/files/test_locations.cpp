@@ -5,29 +5,26 @@
 #include "files/gwFilePathScanner.h"
 #include "support/gwTestEnv.h"
 
-#include <QDir>
 #include <QSignalSpy>
 
 #include <gtest/gtest.h>
 
 namespace {
 
+const QStringList kTreeFiles = {"a.tif", "b.jpg", "chain.tif", "link.tif"};
+
+// Two files, a link to one of them and a link to that link, two folders and a link to
+// one of them, a broken link and a loop of links.
 QString makeTree()
 {
     const QString root = gwTestRoot() + "/tree";
-    QDir().mkpath(root + "/sub");
-    QDir().mkpath(root + "/other");
-    for (const char* name : {"a.tif", "b.jpg"}) {
-        QFile file(root + "/" + name);
-        file.open(QIODevice::WriteOnly);
-        file.write("12345");
-    }
-    QFile::link(root + "/a.tif", root + "/link.tif");
-    QFile::link(root + "/link.tif", root + "/chain.tif");
-    QFile::link(root + "/sub", root + "/linkdir");
-    QFile::link(root + "/gone", root + "/broken");
-    QFile::link(root + "/loop1", root + "/loop2");
-    QFile::link(root + "/loop2", root + "/loop1");
+    gwWriteTestFile("tree/a.tif", "12345");
+    gwWriteTestFile("tree/b.jpg", "12345");
+    gwWriteTestFile("tree/sub/inner.tif", "");
+    gwWriteTestFile("tree/other/inner.tif", "");
+    for (const auto& [target, link] : {std::pair{"a.tif", "link.tif"}, {"link.tif", "chain.tif"}, {"sub", "linkdir"},
+                                       {"gone", "broken"}, {"loop1", "loop2"}, {"loop2", "loop1"}})
+        QFile::link(root + "/" + target, root + "/" + link);
     return root;
 }
 
@@ -46,8 +43,7 @@ TEST(Locations, ListingFollowsLinksAndKeepsTheirNames)
     const QString root = makeTree();
     CgwFilePathFS disk;
     const QMap<QString, SgwFileInfo> files = byName(disk.listFiles("file:" + root));
-    EXPECT_EQ(files.keys(), (QStringList{"a.tif", "b.jpg", "chain.tif", "link.tif"}))
-        << "broken links and loops are left out";
+    EXPECT_EQ(files.keys(), kTreeFiles) << "broken links and loops are left out";
     EXPECT_EQ(files["link.tif"].size, 5);
     EXPECT_FALSE(files["a.tif"].date.isNull());
     const QMap<QString, SgwFileInfo> folders = byName(disk.listFolders("file:" + root));
@@ -60,8 +56,7 @@ TEST(Locations, ListingFollowsLinksAndKeepsTheirNames)
 
 TEST(Locations, RootsListMountedVolumes)
 {
-    CgwFilePathFS disk;
-    const CgwFileInfoList volumes = disk.listFolders("file:");
+    const CgwFileInfoList volumes = CgwFilePathFS().listFolders("file:");
     ASSERT_FALSE(volumes.empty());
     bool rootFound = false;
     for (const auto& entry : volumes) {
@@ -71,23 +66,18 @@ TEST(Locations, RootsListMountedVolumes)
     }
     EXPECT_TRUE(rootFound);
 
-    CgwFilePathScanner scanners;
-    const CgwFileInfoList scannerRoot = scanners.listFolders("scnr:");
+    const CgwFileInfoList scannerRoot = CgwFilePathScanner().listFolders("scnr:");
     ASSERT_EQ(scannerRoot.size(), volumes.size());
     EXPECT_TRUE(scannerRoot.front().first.startsWith("scnr:/"));
     EXPECT_TRUE(scannerRoot.front().second.name.isEmpty()) << "scanner volumes have empty records";
-    EXPECT_EQ(scanners.displayName(), "All scanners");
 }
 
 TEST(Locations, RequestsWhileAWorkerRunsAreQueuedAndAnswered)
 {
     const QString root = makeTree();
     // A folder large enough that the first worker is still busy.
-    QDir().mkpath(root + "/many");
-    for (int i = 0; i < 3000; ++i) {
-        QFile file(QStringLiteral("%1/many/f%2").arg(root).arg(i));
-        file.open(QIODevice::WriteOnly);
-    }
+    for (int i = 0; i < 3000; ++i)
+        gwWriteTestFile(QStringLiteral("tree/many/f%1").arg(i), "");
     CgwFilePathFS disk;
     QSignalSpy ready(&disk, &CgwFilePathBase::signalListReady);
     disk.requestFiles("file:" + root + "/many");
@@ -98,8 +88,7 @@ TEST(Locations, RequestsWhileAWorkerRunsAreQueuedAndAnswered)
     ASSERT_EQ(ready.count(), 3);
     EXPECT_EQ(ready.at(0).at(0).value<CgwFileInfoList>().size(), 3000u);
     EXPECT_TRUE(ready.at(0).at(1).toBool());
-    EXPECT_EQ(byName(ready.at(1).at(0).value<CgwFileInfoList>()).keys(),
-              (QStringList{"a.tif", "b.jpg", "chain.tif", "link.tif"}));
+    EXPECT_EQ(byName(ready.at(1).at(0).value<CgwFileInfoList>()).keys(), kTreeFiles);
     EXPECT_FALSE(ready.at(2).at(1).toBool());
     EXPECT_EQ(ready.at(2).at(0).value<CgwFileInfoList>().size(), 4u);
 }
