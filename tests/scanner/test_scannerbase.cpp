@@ -23,23 +23,18 @@ class TableScanner : public CgwScannerBase
 {
 public:
     int attempts = 0;
+    bool connected = false;
 
-    void disconnectScanner() override
-    {
-        QWriteLocker lock(&sScannerLock);
-        if (mRow >= 0)
-            sScannerInUse.at(mRow) = false;
-        mRow = -1;
-    }
     bool tryConnect() override
     {
         ++attempts;
         QWriteLocker lock(&sScannerLock);
-        if (mRow < 0 && !sScannerInUse.at(0))
-            sScannerInUse.at(mRow = 0) = true;
-        return mRow >= 0;
+        if (!connected && !sScannerInUse.at(0))
+            connected = sScannerInUse.at(0) = true;
+        return connected;
     }
-    bool isConnected() override { return mRow >= 0; }
+    bool isConnected() override { return connected; }
+    void disconnectScanner() override {}
     CgwBitmapHead getScannerInformation(bool*, int, int) override { return CgwBitmapHead(); }
     bool startScan(CgwBitmapBase*, bool*, CgwBitmapBase*, CgwBitmapBase*) override { return false; }
     bool supportsScanner(const CgwScannerInfo&) override { return true; }
@@ -48,9 +43,6 @@ public:
     std::vector<CgwScannerInfo> getScannerList() override { return {}; }
 
     using CgwScannerBase::connectWithWait;
-
-private:
-    int mRow = -1;
 };
 
 class ConnectionWait : public ::testing::Test
