@@ -241,32 +241,25 @@ TEST(Jpeg, AProfileWithAMissingChunkIsDropped)
 
 TEST(Jpeg, TheOldVersionsGammaRecordIsNotTrusted)
 {
-    const struct {
-        const char* software;
-        float gamma;
-    } cases[] = {{"Glimmerway 6.2.1", 0.0f}, {"Glimmerway 8.8.0", 2.2f}, {"glimmerway 6", 2.2f}};
-    for (const auto& c : cases) {
-        const std::unique_ptr<Rgba8> made = gradient(QSize(16, 16), EgwColorModeRGB);
-        Rgba8& bitmap = *made;
-        CgwExif exif;
-        exif.setMakerNoteFloat(0xC001, 1, 2.2f);
-        bitmap.setExif(exif);
-        const QString path = gwTestRoot() + QStringLiteral("/gamma_%1.jpg").arg(int(&c - cases));
-        ASSERT_TRUE(CgwImageFileJPG().saveBitmap("file:" + path, bitmap));
-        // The writer names this program; put another name in its place.
-        QByteArray bytes = gwReadFile(path);
-        const int at = bytes.indexOf("Glimmerway 8");
-        ASSERT_GE(at, 0);
-        const int end = bytes.indexOf('\0', at);
-        QByteArray software(c.software);
-        software.append(QByteArray(end - at - software.size(), '\0'));
-        bytes.replace(at, software.size(), software);
-        gwWriteTestFile(path.mid(gwTestRoot().size() + 1), bytes);
-        CgwImageFileJPG jpeg;
-        EXPECT_FLOAT_EQ(jpeg.loadImageInformation("file:" + path, 0).mGamma, c.gamma) << c.software;
+    const std::unique_ptr<Rgba8> bitmap = gradient(QSize(16, 16), EgwColorModeRGB);
+    CgwExif exif;
+    exif.setMakerNoteFloat(0xC001, 1, 2.2f);
+    bitmap->setExif(exif);
+    const QString saved = gwTestRoot() + "/gamma.jpg";
+    ASSERT_TRUE(CgwImageFileJPG().saveBitmap("file:" + saved, *bitmap));
+    const QByteArray bytes = gwReadFile(saved);
+    const int at = bytes.indexOf("Glimmerway 8"); // the writer names this program
+    ASSERT_GE(at, 0);
+    const int length = bytes.indexOf('\0', at) - at;
+    for (const auto& [software, gamma] : {std::pair{"Glimmerway 6.2.1", 0.0f}, {"Glimmerway 8.8.0", 2.2f},
+                                           {"glimmerway 6", 2.2f}}) {
+        QByteArray renamed = bytes;
+        renamed.replace(at, length, QByteArray(software).leftJustified(length, '\0'));
+        const QString path = gwWriteTestFile("renamed.jpg", renamed);
+        EXPECT_FLOAT_EQ(CgwImageFileJPG().loadImageInformation("file:" + path, 0).mGamma, gamma) << software;
         const std::unique_ptr<CgwBitmapBase> loaded = loadJpeg(path);
         ASSERT_TRUE(loaded);
-        EXPECT_FLOAT_EQ(loaded->gamma(), c.gamma) << c.software;
+        EXPECT_FLOAT_EQ(loaded->gamma(), gamma) << software;
     }
 }
 

@@ -58,7 +58,7 @@ TEST(Tiff, EveryCorpusFileGivesItsReference)
         if (kByDesign.contains(name))
             continue;
         if (kPalette.contains(name))
-            EXPECT_EQ(gwRgba8Hash(*bitmap, false).toStdString(), ref.sha256Rgba8.toStdString());
+            EXPECT_EQ(gwRgba8Hash(*bitmap).toStdString(), ref.sha256Rgba8.toStdString());
         else
             EXPECT_EQ(gwSampleHash(*bitmap, ref.channels, kInk.contains(name)).toStdString(), ref.sha256.toStdString());
         ++compared;
@@ -125,9 +125,8 @@ TEST(Tiff, FilesOfOtherProgramsDecodeAsImageMagickDecodesThem)
     } cases[] = {
         {"tiffcp-lzw-strips", "tiffcp", {"-c", "lzw", "-r", "7", base8}, "rgb", 8, 3, false},
         {"tiffcp-deflate-predictor-16", "tiffcp", {"-c", "zip:2", "-r", "5", base16}, "rgb", 16, 3, false},
-        {"tiffcp-tiles", "tiffcp", {"-t", "-w", "16", "-l", "16", base8}, "rgb", 8, 3, false},
+        // Strips of RGB JPEG, 8-bit CMYK, 8-bit tiles and planar strips come from the corpus.
         {"tiffcp-tiles-16-lzw", "tiffcp", {"-t", "-w", "32", "-l", "32", "-c", "lzw", base16}, "rgb", 16, 3, false},
-        {"tiffcp-planar-strips", "tiffcp", {"-p", "separate", "-r", "4", base8}, "rgb", 8, 3, false},
         {"tiffcp-planar-tiles", "tiffcp", {"-p", "separate", "-t", "-w", "16", "-l", "16", "-c", "zip", base8},
          "rgb", 8, 3, false},
         {"tiffcp-jpeg-ycbcr", "tiffcp", {"-c", "jpeg", "-r", "16", base8}, "rgb", 8, 3, false},
@@ -137,12 +136,10 @@ TEST(Tiff, FilesOfOtherProgramsDecodeAsImageMagickDecodesThem)
          "gray", 16, 1, false},
         {"magick-1bit-g4", kMagick, {base8, "-monochrome", "-compress", "group4"}, "gray", 8, 1, false},
         {"magick-palette", kMagick, {base8, "-type", "Palette", "-compress", "lzw"}, "rgb", 8, 3, false},
-        {"magick-cmyk8", kMagick, {base8, "-colorspace", "CMYK"}, "cmyk", 8, 4, true},
         {"magick-cmyk16-deflate", kMagick, {base16, "-colorspace", "CMYK", "-compress", "zip"}, "cmyk", 16, 4, true},
-                // ImageMagick's own Lab quantum rounds: one step either way.
+        // ImageMagick's own Lab quantum rounds: one step either way.
         {"magick-lab8", kMagick, {base8, "-colorspace", "Lab"}, "lab", 8, 3, false, 1},
         {"magick-rgb16-big-endian", kMagick, {base16, "-endian", "MSB"}, "rgb", 16, 3, false},
-        {"magick-jpeg-rgb", kMagick, {base8, "-compress", "jpeg"}, "rgb", 8, 3, false},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);

@@ -325,7 +325,7 @@ TEST(TiffSuite, CropProgressCancelAndOffset)
 
 TEST(TiffSuite, DirectoriesAreCountedUpToAHundred)
 {
-    for (const auto& [pages, count] : {std::pair{1, 1}, {3, 3}, {100, 100}, {105, 100}}) {
+    for (const auto& [pages, count] : {std::pair{100, 100}, {105, 100}}) {
         SgwTestTiff layout;
         layout.pages.assign(size_t(pages), page(QSize(4, 3), 8, 1, 0));
         EXPECT_EQ(gwTiffDirectoryCount(gwWriteTestTiff("pages.tif", layout)), count) << pages;

@@ -45,7 +45,7 @@ QByteArray gwSampleHash(const CgwBitmapBase& bitmap, int channels, bool invert)
     return QCryptographicHash::hash(gwSampleBytes(bitmap, channels, invert), QCryptographicHash::Sha256).toHex();
 }
 
-QByteArray gwRgba8Hash(const CgwBitmapBase& bitmap, bool grey)
+QByteArray gwRgba8Hash(const CgwBitmapBase& bitmap, const std::array<int, 3>& order)
 {
     const auto& typed = dynamic_cast<const CgwBitmapT<CgwPixel8x4>&>(bitmap);
     QCryptographicHash hash(QCryptographicHash::Sha256);
@@ -53,7 +53,7 @@ QByteArray gwRgba8Hash(const CgwBitmapBase& bitmap, bool grey)
         const CgwArrayT<CgwPixel8x4> line = typed.line(y);
         for (int x = 0; x < bitmap.size().width(); ++x) {
             const quint8* s = line[x].s;
-            const char rgba[4] = {char(s[0]), char(grey ? s[0] : s[1]), char(grey ? s[0] : s[2]), char(255)};
+            const char rgba[4] = {char(s[order[0]]), char(s[order[1]]), char(s[order[2]]), char(255)};
             hash.addData(rgba, 4);
         }
     }

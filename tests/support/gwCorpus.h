@@ -3,6 +3,8 @@
 #include <QMap>
 #include <QString>
 
+#include <array>
+
 class CgwBitmapBase;
 
 // One decoded image of the shared corpus, as REFERENCE.tsv gives it.
@@ -21,13 +23,13 @@ QString gwCorpusDir();
 // The first-frame rows of one corpus folder ("bmp", "jpeg", ...), by file name.
 QMap<QString, SgwCorpusReference> gwCorpusReferences(const QString& folder);
 
-// A decoded bitmap of four 8-bit or four 16-bit slots hashed as the corpus
+// A decoded bitmap of four 8-bit or four 16-bit order hashed as the corpus
 // hashes samples: interleaved, `channels` a pixel, 16 bits little-endian.
 // `invert` turns every sample into maximum minus sample.
 QByteArray gwSampleHash(const CgwBitmapBase& bitmap, int channels, bool invert = false);
 // The samples themselves, in that layout.
 QByteArray gwSampleBytes(const CgwBitmapBase& bitmap, int channels, bool invert = false);
 
-// The same bitmap as 8-bit RGBA with opaque alpha; a grey bitmap's first
-// slot stands for all three colours.
-QByteArray gwRgba8Hash(const CgwBitmapBase& bitmap, bool grey);
+// The same bitmap as 8-bit RGBA with opaque alpha, red, green and blue
+// taken from `order` ({0, 0, 0} for grey).
+QByteArray gwRgba8Hash(const CgwBitmapBase& bitmap, const std::array<int, 3>& order = {0, 1, 2});
