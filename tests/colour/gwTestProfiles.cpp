@@ -4,21 +4,19 @@ namespace {
 
 bool describe(const CgwLcmsProfile& profile, const QString& text)
 {
-    if (text.isNull())
-        return cmsWriteTag(profile.get(), cmsSigProfileDescriptionTag, nullptr);
-    const std::unique_ptr<cmsMLU, decltype(&cmsMLUfree)> mlu(cmsMLUalloc(nullptr, 1), cmsMLUfree);
-    return mlu && cmsMLUsetASCII(mlu.get(), "en", "US", text.toLatin1().constData())
+    const std::unique_ptr<cmsMLU, decltype(&cmsMLUfree)> mlu(text.isNull() ? nullptr : cmsMLUalloc(nullptr, 1),
+                                                             cmsMLUfree);
+    return (text.isNull() || (mlu && cmsMLUsetASCII(mlu.get(), "en", "US", text.toLatin1().constData())))
            && cmsWriteTag(profile.get(), cmsSigProfileDescriptionTag, mlu.get());
 }
 
 // Takes the stage; it is freed when it cannot join the pipeline.
 bool append(cmsPipeline* pipeline, cmsStage* stage)
 {
-    if (stage && cmsPipelineInsertStage(pipeline, cmsAT_END, stage))
-        return true;
-    if (stage)
+    const bool joined = stage && cmsPipelineInsertStage(pipeline, cmsAT_END, stage);
+    if (stage && !joined)
         cmsStageFree(stage);
-    return false;
+    return joined;
 }
 
 // Identity curves around a grid of zeros: the smallest table that version 4
@@ -43,11 +41,6 @@ QByteArray gwSavedProfile(cmsHPROFILE handle)
         return QByteArray();
     QByteArray bytes(int(size), '\0');
     return cmsSaveProfileToMem(profile.get(), bytes.data(), &size) ? bytes : QByteArray();
-}
-
-QByteArray gwSRGBProfileBytes()
-{
-    return gwSavedProfile(cmsCreate_sRGBProfile());
 }
 
 QByteArray gwGrayProfileBytes()
@@ -86,9 +79,4 @@ QByteArray gwWithDescription(const QByteArray& bytes, const QString& text)
 {
     CgwLcmsProfile profile = gwOpenedByLcms(bytes);
     return profile && describe(profile, text) ? gwSavedProfile(profile.release()) : QByteArray();
-}
-
-CgwLcmsProfile gwOpenedByLcms(const QByteArray& bytes)
-{
-    return CgwLcmsProfile(cmsOpenProfileFromMem(bytes.constData(), cmsUInt32Number(bytes.size())));
 }

@@ -12,7 +12,7 @@
 // The bytes of a profile Little CMS made; the profile is closed.
 QByteArray gwSavedProfile(cmsHPROFILE profile);
 // Little CMS's own sRGB profile (version 4, description "sRGB built-in").
-QByteArray gwSRGBProfileBytes();
+inline QByteArray gwSRGBProfileBytes() { return gwSavedProfile(cmsCreate_sRGBProfile()); }
 // A grey display profile with gamma 2.2.
 QByteArray gwGrayProfileBytes();
 // A CLUT profile of the given class and colour space, both directions
@@ -25,7 +25,10 @@ QByteArray gwAsVersion2(const QByteArray& bytes);
 QByteArray gwWithDescription(const QByteArray& bytes, const QString& text);
 
 // The bytes opened by Little CMS itself, to check what the suite wrote.
-CgwLcmsProfile gwOpenedByLcms(const QByteArray& bytes);
+inline CgwLcmsProfile gwOpenedByLcms(const QByteArray& bytes)
+{
+    return CgwLcmsProfile(cmsOpenProfileFromMem(bytes.constData(), cmsUInt32Number(bytes.size())));
+}
 
 // A big-endian number of the block; 0 past its end.
 template <typename T>

@@ -41,20 +41,7 @@ TEST(ProfileElements, XyzBlocksRoundToS15Fixed16AndRefuseWhatDoesNotFit)
     EXPECT_TRUE(CgwProfileElements::xyzBlock(0.0, 0.0, -32769.0).isEmpty());
 }
 
-TEST(ProfileElements, IdentityLutHasTheStatedLengthAndRefusesOddShapes)
-{
-    const struct {
-        int grid, in, out, length;
-    } cases[] = {
-        {2, 256, 256, 3172}, {3, 2, 2, 238}, {17, 2, 4096, (3 * 17 * 17 * 17 + 4098 * 3) * 2 + 52},
-        {256, 256, 256, 0},  {1, 256, 256, 0}, {2, 1, 256, 0}, {2, 256, 4097, 0},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(CgwProfileElements::identityLut16Block(c.grid, c.in, c.out).size(), c.length)
-            << c.grid << " " << c.in << " " << c.out;
-}
-
-TEST(ProfileElements, IdentityLutIsAnMft2OfIdentityMatrixCurvesAndGrid)
+TEST(ProfileElements, IdentityLutIsAnMft2OfIdentityMatrixCurvesAndGridOfTheStatedLength)
 {
     // Two grid points and 256-entry curves, as the Lab profile carries them.
     const QByteArray lut = CgwProfileElements::identityLut16Block(2, 256, 256);
@@ -74,6 +61,13 @@ TEST(ProfileElements, IdentityLutIsAnMft2OfIdentityMatrixCurvesAndGrid)
     const QByteArray three = CgwProfileElements::identityLut16Block(3, 2, 2);
     EXPECT_EQ(gwBigEndian<quint16>(three, 52 + 12 + 5 * 6 + 2), 32768);
     EXPECT_EQ(gwBigEndian<quint16>(three, 52 + 12 + 5 * 6 + 4), 65535);
+
+    // Grid points, input and output entries, and the length: none for shapes no table can have.
+    const int shapes[][4] = {{2, 256, 256, 3172}, {3, 2, 2, 238}, {17, 2, 4096, (3 * 17 * 17 * 17 + 4098 * 3) * 2 + 52},
+                             {256, 256, 256, 0},  {1, 256, 256, 0}, {2, 1, 256, 0}, {2, 256, 4097, 0}};
+    for (const auto& s : shapes)
+        EXPECT_EQ(CgwProfileElements::identityLut16Block(s[0], s[1], s[2]).size(), s[3])
+            << s[0] << " " << s[1] << " " << s[2];
 }
 
 TEST(ProfileElements, TextIsReadFromEveryDescriptionType)
