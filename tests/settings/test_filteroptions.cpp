@@ -1,5 +1,4 @@
-// The application options: defaults, the computed groups written on the way
-// out, file names, and saving into the preferences folder.
+// The application options: defaults, computed values as written, file names, saving the preferences.
 
 #include "settings/gwFilterOptions.h"
 #include "settings/gwParamKeys.h"
@@ -8,7 +7,10 @@
 
 #include <QCryptographicHash>
 #include <QDir>
+#include <QFileInfo>
 #include <QSignalSpy>
+
+#include <tuple>
 
 #include <unistd.h>
 
@@ -16,10 +18,7 @@
 
 namespace {
 
-CgwFilterOptions& options()
-{
-    return CgwFilterOptions::instance();
-}
+CgwFilterOptions& options() { return CgwFilterOptions::instance(); }
 
 CgwParameterSet filled()
 {
@@ -30,30 +29,17 @@ CgwParameterSet filled()
 
 } // namespace
 
-// The version types differ in the automatic levels, the frame inset and the X-ray mode.
-TEST(FilterOptions, DefaultsOfBothVersionTypes)
+// Version type 3 has defaults of its own; floats are written as doubles, colours above the int range.
+TEST(FilterOptions, DefaultsOfBothVersionTypesAsWritten)
 {
-    const struct {
-        const QString& key;
-        double main;
-        double type3;
-    } cases[] = {
-        {GgwParam_AutoTargetBlack, 0.02, 0.03},    {GgwParam_AutoTargetWhite, 0.98, 0.97},
-        {GgwParam_AutoThresholdWhite, 0.02, 0.0},  {GgwParam_AutoFrameInset, 0.1, 0.0},
-        {GgwParam_AutoFrameInsetIsActive, 1, 0},   {GgwParam_XRayModeUI, 0, 1},
-        {GgwParam_DFR_MarkColor, 4278255615.0, 4278255615.0}, // above the int range
-    };
-    for (int type : {0, 3}) {
+    const std::tuple<int, const char*, const char*> cases[] = {{3, "0.03 ", "TRUE "}, {0, "0.02 ", "FALSE "}};
+    for (const auto& [type, black, xray] : cases) {
         options().applyDefaults(type);
         const CgwParameterSet set = filled();
-        for (const auto& c : cases) {
-            const CgwQString value = set.value(c.key);
-            const double actual = CgwParameterSet::boolFromValue(value) ? 1.0 : CgwParameterSet::doubleFromValue(value);
-            EXPECT_NEAR(actual, type == 3 ? c.type3 : c.main, 1e-6) << qPrintable(c.key) << " type " << type;
-        }
+        EXPECT_EQ(set.value(GgwParam_AutoTargetBlack).toQString(), black) << type;
+        EXPECT_EQ(set.value(GgwParam_XRayModeUI).toQString(), xray) << type;
     }
-    options().applyDefaults(0);
-    EXPECT_EQ(filled().value(GgwParam_AutoTargetBlack).toQString(), "0.02 ") << "floats written as doubles";
+    EXPECT_EQ(filled().value(GgwParam_DFR_MarkColor).toQString(), "4278255615 ");
     // Four fifths of the physical memory, in mebibytes.
     const quint64 physical = quint64(sysconf(_SC_PHYS_PAGES)) * quint64(sysconf(_SC_PAGESIZE));
     EXPECT_EQ(options().mmfRamLimit(), int(double(physical >> 20) * 0.8 + 0.5));
@@ -61,15 +47,12 @@ TEST(FilterOptions, DefaultsOfBothVersionTypes)
 
 TEST(FilterOptions, FrameInsetIsWrittenOnlyWhenActiveAndAtMostPointEight)
 {
-    const struct {
-        bool active;
-        double stored;
-        const char* written;
-    } cases[] = {{true, 0.25, "0.25 "}, {false, 0.25, "0 "}, {true, 0.9, "0.8 "}, {true, -0.1, "0 "}};
-    for (const auto& c : cases) {
-        options().setAutoFrameInsetIsActive(c.active);
-        options().setAutoFrameInset(c.stored);
-        EXPECT_EQ(filled().value(GgwParam_AutoFrameInset).toQString(), c.written) << c.stored;
+    const std::tuple<bool, double, const char*> cases[] = {
+        {true, 0.25, "0.25 "}, {false, 0.25, "0 "}, {true, 0.9, "0.8 "}, {true, -0.1, "0 "}};
+    for (const auto& [active, stored, written] : cases) {
+        options().setAutoFrameInsetIsActive(active);
+        options().setAutoFrameInset(stored);
+        EXPECT_EQ(filled().value(GgwParam_AutoFrameInset).toQString(), written) << stored;
     }
 }
 
@@ -78,22 +61,17 @@ TEST(FilterOptions, AnalogGainIsFixedForRGBFramesByScannerFamily)
     const QString* keys[] = {&GgwParam_AGBrightnessAmp, &GgwParam_AGRedAmp, &GgwParam_AGGreenAmp, &GgwParam_AGBlueAmp};
     const QVector<double> stored = {1.5, 2.5, 3.5, 4.5};
     options().setAnalogGainParams(stored[0], stored[1], stored[2], stored[3]);
-    const struct {
-        EgwColorMode frameType;
-        int scannerId;
-        double fixed; // -1: the stored values
-    } cases[] = {
-        {EgwColorModeRGB, 0x2d0005, 150}, {EgwColorModeRGB, 0x1a0001, 0}, {EgwColorModeRGB, 0x400000, 0},
-        {EgwColorModeRGB, 0x110000, 0},   {EgwColorModeGrey, 0x2d0005, -1},
-    };
-    for (const auto& c : cases) {
-        options().slotSetFrontFrameScanType(c.frameType);
-        options().setScanner(c.scannerId, QStringLiteral("Scanner"));
+    // A fixed gain of -1 stands for the stored values.
+    const std::tuple<EgwColorMode, int, double> cases[] = {
+        {EgwColorModeRGB, 0x2d0005, 150}, {EgwColorModeRGB, 0x2c0005, 0}, {EgwColorModeGrey, 0x2d0005, -1}};
+    for (const auto& [frameType, scannerId, fixed] : cases) {
+        options().slotSetFrontFrameScanType(frameType);
+        options().setScanner(scannerId, QStringLiteral("Scanner"));
         const CgwParameterSet set = filled();
         QVector<double> written;
         for (const QString* key : keys)
             written << CgwParameterSet::doubleFromValue(set.value(*key));
-        EXPECT_EQ(written, c.fixed < 0 ? stored : QVector<double>(4, c.fixed)) << std::hex << c.scannerId;
+        EXPECT_EQ(written, fixed < 0 ? stored : QVector<double>(4, fixed)) << std::hex << scannerId;
     }
 }
 
@@ -122,7 +100,6 @@ TEST(FilterOptions, SettersSignalChangesOnlyAndUnknownFiltersAreRefused)
     EXPECT_EQ(filled().stringValue(GgwParam_CMSInternalProfile, QString()), "/profiles/internal.icc");
 
     EXPECT_TRUE(options().setWantAutomaticPrescan100(QStringLiteral("USM"), true));
-    EXPECT_TRUE(options().boolOption(GgwParam_WantAutomaticPrescan100_USM));
     EXPECT_FALSE(options().setWantAutomaticPrescan100(QStringLiteral("SCC"), true));
     EXPECT_EQ(gwLastLogLine(), "gwDebug: CgwFilterOptions::setWantAutomaticPrescan100: Error: got unknown filter SCC");
 
@@ -138,10 +115,10 @@ TEST(FilterOptions, SettersSignalChangesOnlyAndUnknownFiltersAreRefused)
 TEST(FilterOptions, SavedPreferencesLoadBackAndBrokenFilesKeepDefaults)
 {
     const QString prefsFolder = gwTestRoot() + "/home/.local/share/Norvane Imaging/Glimmerway 8 HDR/Prefs";
+    const QString optionsFile = prefsFolder + "/OptionsHDR Atelier.xml";
     options().applyDefaults(0);
     options().setScanner(0x2d0005, QStringLiteral("HDR Atelier"));
     options().setGamma(1.6);
-    options().setIsScanDraft(true);
     options().setTextOption(GgwParam_SelectedTempPath, QStringLiteral("/scratch/with blank"));
     CgwParameterSet usm;
     usm.setDouble(GgwParam_Strength, 1.25);
@@ -153,23 +130,17 @@ TEST(FilterOptions, SavedPreferencesLoadBackAndBrokenFilesKeepDefaults)
                            "GNRXSettings.xml", "GradSettings.xml", "HistSettings.xml", "IPTCSettings.xml",
                            "ISDFRSettings.xml", "NegaTuneSettings.xml", "OptionsHDR Atelier.xml", "SC2GSettings.xml",
                            "SCCSettings.xml", "USMSettings.xml"}));
-    const CgwParameterSet saved = CgwXmlParameterSet::readFile(prefsFolder + "/OptionsHDR Atelier.xml");
-    EXPECT_EQ(saved.longLongValue("OptionsID", 0), 0x2d0005);
-    EXPECT_EQ(saved.stringValue("OptionsName", QString()), "OptionsHDR Atelier");
+    EXPECT_EQ(CgwXmlParameterSet::readFile(optionsFile).longLongValue("OptionsID", 0), 0x2d0005);
 
     options().applyDefaults(0);
     options().setFilterSettings(EgwStoredUSM, CgwParameterSet());
     options().loadPrefs();
     EXPECT_DOUBLE_EQ(options().gamma(), 1.6);
-    EXPECT_TRUE(options().boolOption(GgwParam_IsScanDraft));
     EXPECT_EQ(options().selectedTempPath(), "/scratch/with blank");
     EXPECT_EQ(options().filterSettings(EgwStoredUSM), usm);
 
     // A file cut short by a crash while it was written.
-    QFile file(prefsFolder + "/" + options().optionsFileName(0));
-    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-    file.resize(file.size() / 2);
-    file.close();
+    ASSERT_TRUE(QFile::resize(optionsFile, QFileInfo(optionsFile).size() / 2));
     options().applyDefaults(0);
     options().loadPrefs();
     EXPECT_DOUBLE_EQ(options().gamma(), 2.2);
