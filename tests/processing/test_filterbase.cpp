@@ -12,21 +12,21 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace {
 
 // Records its stages; `failAt` makes that stage answer false. It takes any
-// non-empty set without a mode key as a change (an automatic filter whose
-// result stayed), or leaves that to the base class when `plain`.
+// non-empty set without the auto mode key as a change (an automatic filter
+// whose result stayed).
 class CgwRecordingFilter : public CgwFilterBase
 {
 public:
     CgwRecordingFilter(bool* abortFlag, QString failAt = {}) : CgwFilterBase("gwTestFilter", abortFlag), mFailAt(failAt) {}
 
-    bool setParameterHelper(const CgwParameterSet& params, bool direct) override
+    bool setParameterHelper(const CgwParameterSet& params, bool) override
     {
-        if (mPlain)
-            return CgwFilterBase::setParameterHelper(params, direct);
-        return !params.isEmpty() && !params.hasKey(GgwParam_IsAutoMode) && !params.hasKey(GgwParam_IsNeutralizeMode);
+        return !params.isEmpty() && !params.hasKey(GgwParam_IsAutoMode);
     }
     void setDefaults() override {}
     CgwFilterBase* clone() const override { return nullptr; }
@@ -56,7 +56,6 @@ public:
 
     QString mFailAt;
     QStringList mStages;
-    bool mPlain = false;
 };
 
 class CgwRecordingInterface : public CgwFilterInterfaceBase
@@ -79,11 +78,7 @@ CgwParameterSet setOf(const QStringList& keys)
 
 TEST(FilterBase, StagesRunInOrderAndTheRunEndsEvenAfterAFailure)
 {
-    const struct {
-        const char* failAt;
-        bool result;
-        QStringList stages;
-    } cases[] = {
+    const struct { const char* failAt; bool result; QStringList stages; } cases[] = {
         {"", true, {"prepareRun", "prepareExecute", "executeMain", "finishExecute", "endRun"}},
         {"prepareRun", false, {"prepareRun", "endRun"}},
         {"prepareExecute", false, {"prepareRun", "prepareExecute", "endRun"}},
@@ -99,11 +94,8 @@ TEST(FilterBase, StagesRunInOrderAndTheRunEndsEvenAfterAFailure)
 TEST(FilterBase, FinishExecuteKeepsTheChangedFlagOnlyWhenAborted)
 {
     bool abort = false;
-    const struct {
-        bool* flag;
-        bool up;
-        bool changed;
-    } cases[] = {{nullptr, false, false}, {&abort, false, false}, {&abort, true, true}};
+    const struct { bool* flag; bool up, changed; } cases[] = {
+        {nullptr, false, false}, {&abort, false, false}, {&abort, true, true}};
     for (const auto& c : cases) {
         abort = c.up;
         CgwRecordingFilter filter(c.flag);
@@ -113,66 +105,34 @@ TEST(FilterBase, FinishExecuteKeepsTheChangedFlagOnlyWhenAborted)
     }
 }
 
-TEST(FilterBase, AFilterWithoutParameterHelperWarnsWithItsIdAndKeepsItsState)
-{
-    CgwRecordingFilter filter(nullptr);
-    filter.mPlain = true;
-    filter.setParameters(setOf({GgwParam_GammaIn}));
-    EXPECT_FALSE(filter.isChanged());
-    EXPECT_EQ(gwLastLogLine(), "gwDebug: CgwFilterBase::setParameterHelper : Warning: Method is not implemented in "
-                               "sub class for filter with ID \"gwTestFilter\".");
-
-    CgwFilterInterfaceBase plainInterface(&filter);
-    plainInterface.updateFromFilter();
-    EXPECT_EQ(gwLastLogLine(), "gwDebug: CgwFilterInterfaceBase::updateFromFilter : Warning: Method is not "
-                               "implemented in sub class for filter with ID \"gwTestFilter\".");
-    plainInterface.slotPerformAction("control", SgwFilterActionRequest{});
-    EXPECT_TRUE(gwLastLogLine().startsWith("gwDebug: CgwFilterInterfaceBase::slotPerformAction : Warning:"));
-}
-
 TEST(FilterBase, SetParamsPassesChangesOnByTheKeysTheSetHolds)
 {
     // A lone key that needs no new image sends no parameter signal; a lone
-    // copy-only key no update. An unchanged set with a mode key still has the
-    // interface reread the filter. Sets for another filter are ignored.
-    const struct {
-        const char* filterId;
-        QStringList keys;
-        bool changed;
-        int parameterSignals, updateSignals, rereads;
-    } cases[] = {
-        {"gwOther", {"GammaIn"}, false, 0, 0, 0},
-        {"gwTestFilter", {}, false, 0, 0, 0},
-        {"gwTestFilter", {"GammaIn"}, true, 0, 1, 1},
-        {"gwTestFilter", {"FilterNewSizeFull"}, true, 1, 1, 1},
-        {"gwTestFilter", {"FilterNewColorMode"}, true, 1, 1, 1},
-        {"gwTestFilter", {"FilterNewPixelType"}, true, 1, 1, 1},
-        {"gwTestFilter", {"FilterCopyOnly"}, true, 0, 0, 0},
-        {"gwTestFilter", {"GammaIn", "GammaOut"}, true, 1, 1, 1},
+    // copy-only key no update. An unchanged set with the mode key still has
+    // the interface reread the filter. Sets for another filter are ignored.
+    const struct { const char* id; QStringList keys; bool changed; int parameterSignals, updates, rereads; } cases[] = {
+        {"gwOther", {"GammaIn"}, false, 0, 0, 0}, {"gwTestFilter", {}, false, 0, 0, 0},
+        {"gwTestFilter", {"GammaIn"}, true, 0, 1, 1}, {"gwTestFilter", {"FilterNewSizeFull"}, true, 1, 1, 1},
+        {"gwTestFilter", {"FilterCopyOnly"}, true, 0, 0, 0}, {"gwTestFilter", {"GammaIn", "GammaOut"}, true, 1, 1, 1},
         {"gwTestFilter", {"FilterCopyOnly", "GammaIn"}, true, 1, 1, 1},
         {"gwTestFilter", {GgwParam_IsAutoMode}, false, 0, 0, 1},
-        {"gwTestFilter", {GgwParam_IsNeutralizeMode}, false, 0, 0, 1},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(qPrintable(c.filterId + QStringLiteral(" ") + c.keys.join(',')));
+        SCOPED_TRACE(qPrintable(c.id + QStringLiteral(" ") + c.keys.join(',')));
         CgwRecordingFilter filter(nullptr);
         CgwRecordingInterface ui(&filter);
         QSignalSpy parameterChanged(&ui, &CgwFilterInterfaceBase::signalFilterParameterChanged);
         QSignalSpy updated(&ui, &CgwFilterInterfaceBase::signalUpdate);
-        ui.slotSetParams(c.filterId, setOf(c.keys));
+        ui.slotSetParams(c.id, setOf(c.keys));
         EXPECT_EQ(filter.isChanged(), c.changed);
-        EXPECT_EQ(parameterChanged.count(), c.parameterSignals);
-        EXPECT_EQ(updated.count(), c.updateSignals);
-        EXPECT_EQ(ui.mUpdates, c.rereads);
+        EXPECT_EQ(std::make_tuple(parameterChanged.count(), updated.count(), ui.mUpdates),
+                  std::make_tuple(c.parameterSignals, c.updates, c.rereads));
     }
 }
 
 TEST(FilterBase, RatioToleranceOfFloatingPointParameters)
 {
-    const struct {
-        double oldValue, newValue;
-        bool differs;
-    } cases[] = {
+    const struct { double oldValue, newValue; bool differs; } cases[] = {
         {2.2, 2.2, false}, {2.2, 2.2002, false}, {2.2, 2.2003, true}, {1.0, 0.9998, true},
         {0.0, 0.0, false}, {1.0, 0.0, true}, {0.0, 1.0, true},
     };

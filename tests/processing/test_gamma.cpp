@@ -1,18 +1,20 @@
-// The gamma filter's table, parameters and states.
+// The gamma filter: its table, parameters and states, and runs over bitmaps
+// (every pixel type, the copy without a table, the abort flag, and edits from
+// another thread while a run is under way).
 
 #include "support/gwTestEnv.h"
 
+#include "Sourcen/Image/gwAbortFlag.h"
 #include "Sourcen/Image/gwBitmapT.h"
 #include "processing/gwFilterGamma.h"
 #include "processing/gwFilterInterfaceGamma.h"
 #include "settings/gwFilterOptions.h"
 #include "settings/gwParamKeys.h"
 
-#include <QSignalSpy>
+#include <QtConcurrent>
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <vector>
 
 namespace {
@@ -35,17 +37,26 @@ CgwParameterSet gammas(double in, double out, bool useBmp = false)
     return params;
 }
 
+// Fills every sample with a pattern that reaches 0 and the type's maximum.
+template <class Pixel>
+void fillPattern(CgwBitmapT<Pixel>& bitmap)
+{
+    using Sample = typename Pixel::SampleType;
+    for (int y = 0; y < bitmap.size().height(); ++y)
+        for (int x = 0; x < bitmap.size().width(); ++x)
+            for (int c = 0; c < Pixel::kChannels; ++c)
+                bitmap.line(y)[x].s[c] = Sample((x * 251 + y * 97 + c * 13) % (Pixel::kMax + 1));
+}
+
 } // namespace
 
 TEST(GammaLut, KnownEntriesFromTheSharedCache)
 {
     // Neighbouring cases differ in steps or gamma only, and the table runs
     // twice: the shared cache must hand out the table asked for every time.
+    // Entries are (index, value) pairs.
     const struct {
-        quint64 steps;
-        double gamma;
-        quint64 outSteps;
-        std::vector<std::pair<int, int>> entries; // index, value
+        quint64 steps; double gamma; quint64 outSteps; std::vector<std::pair<int, int>> entries;
     } cases[] = {
         {256, 1.0, 0, {{0, 0}, {128, 128}, {255, 255}}},
         // Mid grey of linear data encoded for a display of gamma 2.2.
@@ -58,13 +69,12 @@ TEST(GammaLut, KnownEntriesFromTheSharedCache)
         {256, 1.0 / 2.2, 0, {{0, 0}, {186, 127}, {255, 255}}},
         {256, 1.8, 0, {{128, 174}}},
     };
-    for (int round = 0; round < 2; ++round) {
+    for (int round = 0; round < 2; ++round)
         for (const auto& c : cases) {
             const std::vector<int> lut = lutOf(c.steps, c.gamma, c.outSteps);
             for (const auto& [index, value] : c.entries)
                 EXPECT_EQ(lut[size_t(index)], value) << c.steps << " steps, gamma " << c.gamma << ", entry " << index;
         }
-    }
 }
 
 TEST(GammaLut, SixteenBitTableRisesMonotonically)
@@ -83,12 +93,11 @@ TEST(GammaLut, MoreOutputThanInputStepsFallsBackWithAWarning)
 
 TEST(GammaFilter, ParametersRoundTripAndSmallChangesAreNoChange)
 {
-    CgwFilterGamma filter;
+    CgwFilterGamma filter, copy;
     filter.setParameters(gammas(2.2, 1.0, true));
     EXPECT_TRUE(filter.isChanged());
     CgwParameterSet read;
     filter.getParameters(read);
-    CgwFilterGamma copy;
     copy.setParameters(read);
     EXPECT_NEAR(copy.gammaIn(), 2.2, 1e-6);
     EXPECT_EQ(copy.gammaOut(), 1.0);
@@ -130,17 +139,9 @@ TEST(GammaFilter, OutOfRangeValuesAreMendedOneAtATime)
 TEST(GammaFilter, IsNeededLiveAndFrozen)
 {
     // Live, the bitmap's gamma is not known yet; frozen, it is compared.
-    const struct {
-        double in, out;
-        bool useBmp;
-        float bitmapGamma;
-        bool live, frozen;
-    } cases[] = {
-        {2.2, 2.2, false, 1.0f, false, false},
-        {2.2, 1.0, false, 1.0f, true, true},
-        {1.0, 1.0, true, 1.0f, true, false},
-        {1.0, 1.0, true, 2.2f, true, true},
-        {1.0, 2.2, true, 2.2f, true, false},
+    const struct { double in, out; bool useBmp; float bitmapGamma; bool live, frozen; } cases[] = {
+        {2.2, 2.2, false, 1.0f, false, false}, {2.2, 1.0, false, 1.0f, true, true},
+        {1.0, 1.0, true, 1.0f, true, false}, {1.0, 1.0, true, 2.2f, true, true}, {1.0, 2.2, true, 2.2f, true, false},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << c.in << " " << c.out << " bitmap " << c.bitmapGamma);
@@ -174,43 +175,158 @@ TEST(GammaFilter, WhileFrozenTheSetComparesAgainstTheRunsValues)
     filter.endRun();
 }
 
-TEST(GammaFilter, CloneCarriesValuesTableAndState)
-{
-    bool abort = false;
-    CgwFilterGamma filter("gwGamma", &abort);
-    filter.setParameters(gammas(2.2, 1.0));
-    CgwBitmapT<CgwPixelGrey8> bitmap;
-    bitmap.createBitmap(QSize(4, 1), EgwColorModeGrey, 0);
-    ASSERT_TRUE(filter.prepareRun({&bitmap}) && filter.prepareExecute({&bitmap}, {&bitmap}));
-    std::unique_ptr<CgwFilterGamma> copy(static_cast<CgwFilterGamma*>(filter.clone()));
-    EXPECT_EQ(copy->abortFlag(), &abort);
-    EXPECT_TRUE(copy->isFrozen());
-    EXPECT_EQ(copy->gammaIn(), 2.2);
-    ASSERT_EQ(copy->lutSteps(), 256u);
-    EXPECT_EQ(std::vector<int>(copy->lut(), copy->lut() + 256), std::vector<int>(filter.lut(), filter.lut() + 256));
-}
-
-TEST(GammaFilter, InterfaceEditsTheFilterAndShowsTheBitmapsGamma)
+TEST(GammaRun, ExecuteMainRefusesMissingBitmapsWithItsMessages)
 {
     CgwFilterGamma filter;
-    auto* ui = static_cast<CgwFilterInterfaceGamma*>(filter.filterInterface());
-    ASSERT_NE(ui, nullptr);
-    QSignalSpy gammaIn(ui, &CgwFilterInterfaceGamma::signalSetGammaIn);
-    QSignalSpy bitmapGamma(ui, &CgwFilterInterfaceGamma::signalInBmpGammaToGUI);
-    ui->slotGammaInChanged(1.8);
-    EXPECT_EQ(filter.gammaIn(), 1.8);
-    EXPECT_TRUE(filter.isChanged());
-    ASSERT_EQ(gammaIn.count(), 1);
-    EXPECT_EQ(gammaIn.first().first().toDouble(), 1.8);
-    ui->slotChooseBmpGamma(true);
-    EXPECT_TRUE(filter.useBmpGamma());
-
+    filter.setParameters(gammas(2.2, 1.0));
     CgwBitmapT<CgwPixelGrey8> bitmap;
-    bitmap.createBitmap(QSize(2, 2), EgwColorModeGrey, 0);
-    bitmap.setGamma(2.2f);
+    bitmap.createBitmap(QSize(4, 4), EgwColorModeGrey, 0);
+    const struct { CgwBitmapList in, out; const char* message; } cases[] = {
+        {{}, {&bitmap}, "gwDebug: CgwFilterGamma::executeMain error: no input bitmap"},
+        {{&bitmap}, {}, "gwDebug: CgwFilterGamma::executeMain error: not output bitmap"},
+        {{nullptr}, {&bitmap}, "gwDebug: CgwFilterGamma::executeMain error: in- or outbitmap is null"},
+    };
     filter.prepareRun({&bitmap});
-    filter.prepareExecute({&bitmap}, {&bitmap});
+    for (const auto& c : cases) {
+        EXPECT_FALSE(filter.executeMain(c.in, c.out));
+        EXPECT_EQ(gwLastLogLine(), c.message);
+    }
+    // A run that skipped prepareExecute has no table.
+    EXPECT_FALSE(filter.executeMain({&bitmap}, {&bitmap}));
+    EXPECT_EQ(gwLastLogLine(), "gwDebug: CgwFilterGamma::executeMain : Error: Gamma LUT is empty!");
+}
+
+TEST(GammaRun, EveryPixelTypeEitherRunsThroughTheTableOrIsDeclined)
+{
+    const QSize size(67, 9);
+    for (int type = 0; type < kGwPixelTypeCount; ++type) {
+        SCOPED_TRACE(testing::Message() << "pixel type " << type);
+        gwDispatchPixelType(type, [&](auto pixel) {
+            using Pixel = decltype(pixel);
+            const int mode = Pixel::kChannels == 1 ? EgwColorModeGrey
+                             : Pixel::kChannels == 2 ? EgwColorModeTwoChannel : EgwColorModeRGB;
+            CgwBitmapT<Pixel> in, out;
+            ASSERT_TRUE(in.createBitmap(size, mode, 0) && out.createBitmap(size, mode, 0));
+            fillPattern(in);
+            CgwFilterGamma filter;
+            filter.setParameters(gammas(1.0, 2.2));
+            const int before = gwLogLineCount();
+            const bool runs = type == 0 || type == 1 || type == 3 || type == 4 || type == 5;
+            EXPECT_EQ(filter.run({&in}, {&out}), runs);
+            if (!runs) {
+                // Float types are declined before a table is made; the others
+                // run no loop and say nothing.
+                EXPECT_LE(gwLogLineCount(), before + (type == 6 || type == 7 ? 1 : 0));
+                return;
+            }
+            EXPECT_EQ(out.gamma(), 2.2f);
+            ASSERT_EQ(filter.lutSteps(), quint64(Pixel::kMax) + 1) << "one entry for every sample value";
+            for (int y = 0; y < size.height(); ++y)
+                for (int x = 0; x < size.width(); ++x)
+                    for (int c = 0; c < Pixel::kChannels; ++c)
+                        ASSERT_EQ(int(out.line(y)[x].s[c]), filter.lut()[size_t(in.line(y)[x].s[c])])
+                            << x << "," << y << " channel " << c;
+        });
+    }
+}
+
+TEST(GammaRun, EqualGammasCopyWithoutATable)
+{
+    CgwBitmapT<CgwPixel16x3> in, out;
+    ASSERT_TRUE(in.createBitmap(QSize(31, 7), EgwColorModeRGB, 0));
+    ASSERT_TRUE(out.createBitmap(QSize(31, 7), EgwColorModeRGB, 0));
+    fillPattern(in);
+    const QByteArray original = in.getData();
+    CgwFilterGamma filter;
+    filter.setParameters(gammas(2.2, 2.2002));
+    ASSERT_TRUE(filter.run({&in}, {&out}));
+    EXPECT_EQ(filter.lutSteps(), 0u);
+    EXPECT_EQ(out.getData(), original);
+    ASSERT_TRUE(filter.run({&in}, {&in}));
+    EXPECT_EQ(in.getData(), original);
+}
+
+TEST(GammaRun, TheBitmapsOwnGammaIsTheSourceWhenAsked)
+{
+    CgwBitmapT<CgwPixelGrey8> bitmap;
+    bitmap.createBitmap(QSize(1, 1), EgwColorModeGrey, 0);
+    bitmap.line(0)[0].s[0] = 186;
+    bitmap.setGamma(2.2f);
+    CgwFilterGamma filter;
+    filter.setParameters(gammas(1.0, 1.0, true));
+    ASSERT_TRUE(filter.run({&bitmap}, {&bitmap}));
+    EXPECT_EQ(bitmap.line(0)[0].s[0], 127);
+    EXPECT_EQ(bitmap.gamma(), 1.0f);
+}
+
+TEST(GammaRun, AnAbortFlagUpBeforeTheFirstRowStopsEveryRow)
+{
+    CgwBitmapT<CgwPixelGrey8> bitmap;
+    bitmap.createBitmap(QSize(16, 64), EgwColorModeGrey, 0);
+    fillPattern(bitmap);
+    const QByteArray original = bitmap.getData();
+    bool abort = true;
+    CgwFilterGamma filter("gwGamma", &abort);
+    filter.setParameters(gammas(1.0, 2.2));
+    filter.setChanged(false);
+    EXPECT_FALSE(filter.run({&bitmap}, {&bitmap}));
+    EXPECT_EQ(bitmap.getData(), original);
+
+    // Run the stages by hand: finishExecute after an abort keeps the
+    // filter marked for another run.
+    ASSERT_TRUE(filter.prepareRun({&bitmap}) && filter.prepareExecute({&bitmap}, {&bitmap}));
+    EXPECT_FALSE(filter.executeMain({&bitmap}, {&bitmap}));
+    EXPECT_TRUE(filter.finishExecute({&bitmap}, {&bitmap}));
+    EXPECT_TRUE(filter.isChanged());
     filter.endRun();
-    ASSERT_EQ(bitmapGamma.count(), 1);
-    EXPECT_EQ(bitmapGamma.first().first().toString(), "2.20");
+}
+
+TEST(GammaRun, AnAbortDuringTheRunIsReportedTruthfully)
+{
+    // Whether the flag comes up before the last row or not, the result must
+    // say truthfully whether every row was done.
+    const QSize size(4096, 4096);
+    CgwBitmapT<CgwPixelGrey8> bitmap;
+    bitmap.createBitmap(size, EgwColorModeGrey, 0);
+    const QByteArray grey(size.width() * size.height(), char(128));
+    ASSERT_TRUE(bitmap.setBlock(grey));
+    bool abort = false;
+    CgwFilterGamma filter("gwGamma", &abort);
+    filter.setParameters(gammas(1.0, 2.2));
+    ASSERT_TRUE(filter.prepareRun({&bitmap}) && filter.prepareExecute({&bitmap}, {&bitmap}));
+    QFuture<bool> running = QtConcurrent::run([&] { return filter.executeMain({&bitmap}, {&bitmap}); });
+    QThread::msleep(2);
+    gwRequestAbort(&abort);
+    const bool done = running.result();
+    filter.endRun();
+    bool allRows = true;
+    for (int y = 0; y < size.height(); ++y)
+        allRows = allRows && bitmap.line(y)[size.width() - 1].s[0] != 128;
+    EXPECT_EQ(done, allRows);
+}
+
+TEST(GammaRun, EditsFromAnotherThreadWaitForTheNextRun)
+{
+    CgwBitmapT<CgwPixel16x3> bitmap;
+    bitmap.createBitmap(QSize(1024, 1024), EgwColorModeRGB, 0);
+    CgwFilterGamma filter;
+    filter.setParameters(gammas(2.2, 1.0));
+    auto* ui = static_cast<CgwFilterInterfaceGamma*>(filter.filterInterface());
+    QFuture<bool> running = QtConcurrent::run([&] {
+        bool all = true;
+        for (int i = 0; i < 4; ++i)
+            all = filter.run({&bitmap}, {&bitmap}) && all;
+        return all;
+    });
+    int edits = 0;
+    while (!running.isFinished())
+        ui->slotGammaOutChanged(edits++ % 2 ? 1.8 : 1.6);
+    ASSERT_TRUE(running.result());
+    // Every run finished on the values it froze, never a torn mixture; when
+    // the live value moved on, the filter is marked to run again.
+    const float finished = bitmap.gamma();
+    EXPECT_TRUE(finished == 1.0f || finished == 1.8f || finished == 1.6f) << finished;
+    if (float(filter.gammaOut()) != finished) {
+        EXPECT_TRUE(filter.isChanged()) << edits << " edits";
+    }
 }
