@@ -340,7 +340,7 @@ TEST(TiffSuite, LibtiffWarningsReachTheLogOnceErrorsNever)
     // The film tag renumbered to 40000: a tag libtiff does not know.
     SgwTestTiff layout;
     layout.film = "film";
-    const QString film = gwWriteTestTiff("unknown.tif", layout);
+    const QString film = gwWriteTestTiff("film.tif", layout);
     QByteArray bytes = gwReadFile(film.mid(5));
     bytes.replace(QByteArray("\xac\x89\x01\x00", 4), QByteArray("\x40\x9c\x01\x00", 4));
     const QString unknown = "file:" + gwWriteTestFile("unknown.tif", bytes);
