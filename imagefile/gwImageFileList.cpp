@@ -4,6 +4,7 @@
 #include "files/gwFilePathList.h"
 #include "imagefile/gwImageFileBMP.h"
 #include "imagefile/gwImageFileJPG.h"
+#include "imagefile/gwImageFileScan.h"
 #include "imagefile/gwImageFileTIF.h"
 
 #include <vector>
@@ -11,6 +12,7 @@
 CgwImageFileList::CgwImageFileList()
 {
     // Each format joins here when it exists.
+    mFactories[EgwImageFileScan] = std::make_unique<CgwImageFileFactoryBaseT<CgwImageFileScan>>();
     mFactories[EgwImageFileBMP] = std::make_unique<CgwImageFileFactoryBaseT<CgwImageFileBMP>>();
     mFactories[EgwImageFileJPG] = std::make_unique<CgwImageFileFactoryBaseT<CgwImageFileJPG>>();
     mFactories[EgwImageFileTIF] = std::make_unique<CgwImageFileFactoryBaseT<CgwImageFileTIF>>();

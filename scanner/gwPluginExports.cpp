@@ -1,10 +1,16 @@
 #include "scanner/gwPluginExports.h"
 
+#include "scanner/gwScannerHDRImport.h"
 #include "scanner/gwScannerInfo.h"
 
 bool supportsScannerHDRImport(const QString& id)
 {
     return id == GgwScannerHDRId;
+}
+
+CgwScannerBase* newScannerHDRImport(const CgwScannerInfo& info)
+{
+    return new CgwScannerHDRImport(info);
 }
 
 namespace QtAddons {

@@ -3,11 +3,18 @@
 #include <QPainterPath>
 #include <QString>
 
+class CgwScannerBase;
+struct CgwScannerInfo;
+
 // The plug-in's outside surface, looked up by the host under these C++ names.
 #define GW_EXPORT __attribute__((visibility("default")))
 
 // True for "HDR Atelier" alone: whole string, case-sensitive, no trimming.
 GW_EXPORT bool supportsScannerHDRImport(const QString& id);
+
+// A new import scanner for `info`; the host owns it and deletes it through
+// the virtual destructor.
+GW_EXPORT CgwScannerBase* newScannerHDRImport(const CgwScannerInfo& info);
 
 namespace QtAddons {
 GW_EXPORT QPainterPath intersect(const QPainterPath& a, const QPainterPath& b);

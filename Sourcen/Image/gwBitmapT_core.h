@@ -16,8 +16,13 @@ CgwBitmapT<Pixel>::CgwBitmapT() : CgwBitmapBase(gwPixelTypeId<Pixel>())
 {
 }
 
+// The companion (the thread filling the pixels) ends first, while the
+// bitmap is still whole.
 template <class Pixel>
-CgwBitmapT<Pixel>::~CgwBitmapT() = default;
+CgwBitmapT<Pixel>::~CgwBitmapT()
+{
+    this->mCompanion.reset();
+}
 
 template <class Pixel>
 void CgwBitmapT<Pixel>::reset(bool freeAll)
