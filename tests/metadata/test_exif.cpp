@@ -10,7 +10,6 @@
 #include "support/gwFuzzBodies.h"
 #include "support/gwTestEnv.h"
 
-#include <QDir>
 #include <QRegularExpression>
 
 #include <array>
@@ -300,11 +299,5 @@ TEST(ExifText, ValuesAsTheBrowserShowsThemUnderTheirHistoricKeys)
 
 TEST(FuzzFindings, ExifStreamsThatOnceCrashed)
 {
-    const QDir findings(QStringLiteral(GW_TEST_DATA_DIR "/fuzz/exif"));
-    const QStringList files = findings.entryList(QDir::Files);
-    EXPECT_FALSE(files.isEmpty());
-    for (const QString& name : files) {
-        SCOPED_TRACE(name.toStdString());
-        gwFuzzExifStream(gwReadFile(findings.filePath(name)));
-    }
+    EXPECT_TRUE(gwReplayFuzzFindings("exif", gwFuzzExifStream));
 }
