@@ -100,6 +100,10 @@ public:
     void resetMakerNote();
 
 private:
+    // The byte order and the first IFD's offset; the stream's order is set.
+    bool readHeader(CgwFile& stream, qint64& firstIfd);
+    // The page's IFD and whatever hangs from it; the stream goes back to the header.
+    void readPage(CgwFile& stream, qint64 ifd);
     void readMakerNote(CgwFile& stream, quint16 tag, qint64 offset);
     bool recoverFrom(CgwFile& stream, qint64 ifdOffset, qint64* countPosition, qint64* length, qint64* offset);
     bool readItems(CgwFile& stream, const CgwExifValue& shape, QByteArray& data);

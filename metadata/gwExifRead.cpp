@@ -23,6 +23,60 @@ bool startsWith(const char* block, const char* text, size_t n)
     return std::memcmp(block, text, n) == 0;
 }
 
+constexpr int kMaxPages = 256;
+
+// The first SubIFD that the IFD at `ifd` names itself, or 0.
+qint64 subIfdOf(CgwFile& stream, qint64 base, qint64 ifd)
+{
+    stream.seek(base + ifd, 0);
+    const quint16 n = stream.readUInt16();
+    for (quint16 i = 0; i < n; ++i) {
+        bool ok = true;
+        const quint16 tag = stream.readUInt16(&ok);
+        const quint16 type = stream.readUInt16(&ok);
+        const quint32 count = stream.readUInt32(&ok);
+        const quint32 value = stream.readUInt32(&ok);
+        if (!ok)
+            return 0;
+        if (tag == 0x014A && (type == 4 || type == 13) && count > 0) {
+            if (count == 1)
+                return value;
+            stream.seek(base + value, 0);
+            return stream.readUInt32();
+        }
+    }
+    return 0;
+}
+
+// The IFDs of the pages in order, at most `pages`: the chain from the
+// first, then the first SubIFD a page of the chain names, and so on. The
+// walk is done once for all pages and ends at a page seen before, so that
+// neither a loop nor a long chain costs more than its length.
+std::vector<qint64> pageIfds(CgwFile& stream, qint64 base, qint64 first, int pages)
+{
+    std::vector<qint64> ifds{first};
+    QSet<qint64> seen{first};
+    qint64 subIfd = 0;
+    while (int(ifds.size()) < pages) {
+        const qint64 ifd = ifds.back();
+        if (subIfd == 0)
+            subIfd = subIfdOf(stream, base, ifd);
+        stream.seek(base + ifd, 0);
+        const quint16 n = stream.readUInt16();
+        stream.seek(12 * qint64(n), 1);
+        qint64 next = stream.readUInt32();
+        if (next == 0 || next >= stream.size() || seen.contains(next)) {
+            next = subIfd;
+            subIfd = 0;
+        }
+        if (next == 0 || seen.contains(next))
+            break;
+        seen.insert(next);
+        ifds.push_back(next);
+    }
+    return ifds;
+}
+
 } // namespace
 
 bool CgwExif::readItems(CgwFile& stream, const CgwExifValue& shape, QByteArray& data)
@@ -169,7 +223,7 @@ void CgwExif::readIfd(CgwFile& stream, bool parseMakerNotes, bool highNibble)
     }
 }
 
-bool CgwExif::readFromStream(CgwFile& stream, int page)
+bool CgwExif::readHeader(CgwFile& stream, qint64& firstIfd)
 {
     mBaseOffset = stream.pos();
     mVisited.clear();
@@ -182,35 +236,28 @@ bool CgwExif::readFromStream(CgwFile& stream, int page)
     stream.setByteOrder(word);
     mByteOrder = word;
     stream.readUInt16(); // the magic is not tested
-    const qint64 first = stream.readUInt32();
-    if (first < 8)
-        return false;
-    qint64 ifd = first;
-    qint64 subIfd = 0;
-    QSet<qint64> pagesSeen;
-    for (; page > 0; --page) {
-        stream.seek(mBaseOffset + ifd, 0);
-        readIfd(stream, false, false);
-        if (subIfd == 0 && mValues.contains(0x014A) && mValues[0x014A].data.size() >= 4)
-            std::memcpy(&subIfd, mValues[0x014A].data.constData(), 4);
-        mValues.clear();
-        mVisited.clear();
-        stream.seek(mBaseOffset + ifd, 0);
-        const quint16 n = stream.readUInt16();
-        stream.seek(12 * qint64(n), 1);
-        qint64 next = stream.readUInt32();
-        if (next == 0 || next == ifd || next >= stream.size() || pagesSeen.contains(next)) {
-            next = subIfd;
-            subIfd = 0;
-            if (next == 0)
-                return false;
-        }
-        pagesSeen.insert(ifd);
-        ifd = next;
-    }
+    firstIfd = stream.readUInt32();
+    return firstIfd >= 8;
+}
+
+void CgwExif::readPage(CgwFile& stream, qint64 ifd)
+{
     stream.seek(mBaseOffset + ifd, 0);
     readIfd(stream, true, false);
     stream.seek(mBaseOffset, 0);
+}
+
+bool CgwExif::readFromStream(CgwFile& stream, int page)
+{
+    qint64 first = 0;
+    if (!readHeader(stream, first))
+        return false;
+    const std::vector<qint64> ifds = pageIfds(stream, mBaseOffset, first, page + 1);
+    if (int(ifds.size()) <= page)
+        return false;
+    if (page > 0)
+        mValues.clear();
+    readPage(stream, ifds[size_t(page)]);
     return true;
 }
 
@@ -218,12 +265,16 @@ std::vector<CgwExif> CgwExif::readAllPages(CgwFile& stream)
 {
     std::vector<CgwExif> pages;
     const qint64 start = stream.pos();
-    for (int page = 0; page < 256; ++page) {
-        stream.seek(start, 0);
-        CgwExif exif;
-        if (!exif.readFromStream(stream, page))
-            break;
-        pages.push_back(exif);
+    CgwExif page;
+    qint64 first = 0;
+    if (page.readHeader(stream, first)) {
+        const CgwExif fresh = page;
+        for (const qint64 ifd : pageIfds(stream, start, first, kMaxPages)) {
+            page = fresh;
+            stream.setByteOrder(page.mByteOrder);
+            page.readPage(stream, ifd);
+            pages.push_back(page);
+        }
     }
     stream.seek(start, 0);
     return pages;

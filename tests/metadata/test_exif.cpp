@@ -171,6 +171,14 @@ TEST(ExifRead, ChainsKeepTheFirstValueAndLoopsEnd)
     CgwFileBuffer file(b.bytes);
     file.open(QIODevice::ReadOnly);
     EXPECT_EQ(CgwExif::readAllPages(file).size(), 2u) << "back at the first IFD: no third page";
+
+    // Two IFDs that name each other as their SubIFD are two pages, not 256.
+    Block sub(false);
+    sub.ifd({{0x014A, 4, 1, 8 + 18}});
+    sub.ifd({{0x014A, 4, 1, 8}});
+    CgwFileBuffer subFile(sub.bytes);
+    subFile.open(QIODevice::ReadOnly);
+    EXPECT_EQ(CgwExif::readAllPages(subFile).size(), 2u);
 }
 
 TEST(ExifRead, RecoveryFindsTheNoteWithinFortyBytesOfTheEntry)
