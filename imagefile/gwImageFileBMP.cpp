@@ -164,13 +164,15 @@ CgwBitmapHead CgwImageFileBMP::loadImageInformation(const QString& path, qint64 
         mMasks[1] = 0x03E0;
         mMasks[2] = 0x001F;
     }
-    if (mBitsPerPixel != 16 && mBitsPerPixel != 24 && mBitsPerPixel != 32) {
-        if (mBitsPerPixel > 16) {
-            gwDebug("CgwImageFileBMP::loadImageInformation : Error: %i bits per pixel cannot be read.", mBitsPerPixel);
-            return head;
-        }
-        readPalette(*file, offset, headerSize, channels);
+    // Packed indices of 1 to 8 bits, or 16, 24 and 32 bits: a decoder of any
+    // other depth would take no byte and walk every pixel of the image.
+    const bool indexed = mBitsPerPixel >= 1 && mBitsPerPixel <= 8;
+    if (!indexed && mBitsPerPixel != 16 && mBitsPerPixel != 24 && mBitsPerPixel != 32) {
+        gwDebug("CgwImageFileBMP::loadImageInformation : Error: %i bits per pixel cannot be read.", mBitsPerPixel);
+        return head;
     }
+    if (indexed)
+        readPalette(*file, offset, headerSize, channels);
     QPointF resolution(0.0, 0.0);
     readOptionalFields(*file, remaining, channels, resolution);
     const int mode = channels == 1 ? 1 : channels == 3 ? 3 : channels == 4 ? 6 : 0;
@@ -410,9 +412,11 @@ bool CgwImageFileBMP::saveBitmap(const QString& path, const CgwBitmapBase& bitma
         }
     }
 
-    QByteArray headers(124, '\0');
-    const auto put16 = [&](int at, quint16 v) { qToLittleEndian<quint16>(v, headers.data() + at); };
-    const auto put32 = [&](int at, quint32 v) { qToLittleEndian<quint32>(v, headers.data() + at); };
+    // A plain array: GCC's sanitizer builds cannot see the size of a
+    // QByteArray's buffer and warn about every store into it.
+    char headers[124] = {};
+    const auto put16 = [&](int at, quint16 v) { qToLittleEndian<quint16>(v, headers + at); };
+    const auto put32 = [&](int at, quint32 v) { qToLittleEndian<quint32>(v, headers + at); };
     headers[0] = 'B';
     headers[1] = 'M';
     put32(4, quint32(124 + paletteBytes + blockBytes));
@@ -432,7 +436,7 @@ bool CgwImageFileBMP::saveBitmap(const QString& path, const CgwBitmapBase& bitma
     mFile.reset(CgwFilePathList::instance().createFile(path));
     if (!mFile || !mFile->open(QIODevice::WriteOnly))
         return false;
-    mFile->write(headers);
+    mFile->write(headers, sizeof(headers));
     mFile->write(palette);
     mFile->write(block);
     mFile->close();

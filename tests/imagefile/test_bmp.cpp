@@ -5,6 +5,7 @@
 #include "imagefile/gwImageFileBMP.h"
 #include "imagefile/gwImageFileList.h"
 #include "support/gwCorpus.h"
+#include "support/gwFuzzBodies.h"
 #include "support/gwTestEnv.h"
 
 #include <QDir>
@@ -79,6 +80,26 @@ TEST(Bmp, BrokenFilesGiveNothingOrAPartialBitmap)
         std::unique_ptr<CgwBitmapBase> bitmap(format.loadBitmap("file:" + corpus.filePath(c.name), 0));
         EXPECT_EQ(bitmap != nullptr, c.bitmap) << c.name;
     }
+}
+
+// Depths that no decoder takes a byte for would walk every pixel of a huge
+// image without end; they are refused with the head. Findings of the fuzzer
+// are replayed beside.
+TEST(Bmp, DepthsWithoutADecoderAreRefused)
+{
+    for (const int depth : {0, 9, 12, 15, 33}) {
+        QByteArray file("BM", 2);
+        for (const quint32 field : {0u, 0u, 54u, 40u, 1u << 20, 4096u}) {
+            char bytes[4];
+            qToLittleEndian(field, bytes);
+            file.append(bytes, 4);
+        }
+        file.append("\1\0", 2).append(char(depth)).append(QByteArray(25, '\0'));
+        const QString path = "file:" + gwWriteTestFile("depth.bmp", file);
+        EXPECT_TRUE(CgwImageFileBMP().loadImageInformation(path, 0).mSize.isEmpty()) << depth;
+        EXPECT_EQ(std::unique_ptr<CgwBitmapBase>(CgwImageFileBMP().loadBitmap(path, 0)), nullptr) << depth;
+    }
+    EXPECT_TRUE(gwReplayFuzzFindings("bmp", gwFuzzBmp));
 }
 
 TEST(Bmp, HeadOfPaletteFiles)
