@@ -5,7 +5,7 @@ namespace {
 bool isEscaped(ushort c)
 {
     switch (c) {
-    case '\n': case '%': case '&': case ',': case ':': case ';':
+    case '\r': case '\n': case '%': case '&': case ',': case ':': case ';':
     case '<': case '>': case '\\': case '{': case '}': case ' ':
         return true;
     default:

@@ -3,6 +3,7 @@
 #include "diagnostics/gwSystem.h"
 #include "settings/gwXmlDataHandler.h"
 #include "settings/gwXmlParameterSet.h"
+#include "support/gwFuzzBodies.h"
 #include "support/gwTestEnv.h"
 
 #include <QBuffer>
@@ -44,7 +45,7 @@ TEST(ParameterXml, DocumentFormByteForByte)
     CgwParameterSet set;
     set.setBool(QStringLiteral("IsHDR"), true);
     set.setString(QStringLiteral("Name"), QStringLiteral("New Job"));
-    set.setValue(QStringLiteral("Path"), QStringLiteral("a:b;c,d{e}\\f<g>&h%i\nj k"));
+    set.setValue(QStringLiteral("Path"), QStringLiteral("a:b;c,d{e}\\f<g>&h%i\r\nj k"));
     set.setValue(QStringLiteral("Empty"), QString());
     set.setString(QStringLiteral("Text"), QStringLiteral("äöü 日本"));
     const QByteArray document = written(set);
@@ -52,7 +53,7 @@ TEST(ParameterXml, DocumentFormByteForByte)
               header + "\t<Empty>\r\n\t</Empty>\r\n"
                        "\t<IsHDR>\r\n\t\tTRUE%20\r\n\t</IsHDR>\r\n"
                        "\t<Name>\r\n\t\tNew~0020Job%20\r\n\t</Name>\r\n"
-                       "\t<Path>\r\n\t\ta%3ab%3bc%2cd%7be%7d%5cf%3cg%3e%26h%25i%0aj%20k\r\n\t</Path>\r\n"
+                       "\t<Path>\r\n\t\ta%3ab%3bc%2cd%7be%7d%5cf%3cg%3e%26h%25i%0d%0aj%20k\r\n\t</Path>\r\n"
                        "\t<Text>\r\n\t\täöü~0020日本%20\r\n\t</Text>\r\n"
                        "</ParameterSet>\r\n");
     EXPECT_EQ(document.indexOf('\0'), document.size() - 1) << "one closing NUL";
@@ -87,6 +88,12 @@ TEST(ParameterXml, BadDocumentsGiveAnEmptySetAndOneLogLine)
         EXPECT_EQ(gwLogLineCount(), before + 1);
         EXPECT_TRUE(gwLastLogLine().startsWith("gwDebug: CgwXmlParameterSet::read : Error: "));
     }
+}
+
+// Each kept input of the fuzzer: every token decoded, the set written and read back.
+TEST(ParameterXml, FuzzFindingsSurviveWriting)
+{
+    EXPECT_TRUE(gwReplayFuzzFindings("xml", gwFuzzParameterXml));
 }
 
 TEST(ParameterXml, HelpAndMovieCataloguesAreRead)
