@@ -339,6 +339,27 @@ void decodeBitFields(Decoding& d, const quint32 masks[4])
     }
 }
 
+// Pixels that pixel data of `bytes` can paint at most: packed rows for plain
+// data, runs of 255 in two bytes for run lengths, four bytes a pixel for bit
+// fields; none for a packing that is not decoded.
+qint64 paintablePixels(qint64 bytes, qint32 compression, qint32 bits)
+{
+    if (bytes <= 0)
+        return 0;
+    if (compression == 0)
+        return bytes * 8 / bits;
+    if ((compression == 1 || compression == 2) && (bits == 4 || bits == 8))
+        return bytes / 2 * 255;
+    if (compression == 3 && (bits == 16 || bits == 32))
+        return bytes / 4;
+    return 0;
+}
+
+// A truncated file still gives what it holds, but data that leaves more than
+// this many of the declared pixels unpainted is no image of that size: a few
+// bytes must not ask for gigabytes.
+constexpr qint64 kMaxUnpaintedPixels = qint64(1) << 24;
+
 } // namespace
 
 CgwBitmapBase* CgwImageFileBMP::loadBitmap(const QString& path, qint64 offset)
@@ -350,6 +371,13 @@ CgwBitmapBase* CgwImageFileBMP::loadBitmap(const QString& path, qint64 offset)
         return finishBitmap(nullptr);
     if (!plausibleImageSize(size, "CgwImageFileBMP::loadBitmap"))
         return finishBitmap(nullptr);
+    const qint64 dataBytes = file->size() - offset - mPixelOffset;
+    if (qint64(size.width()) * size.height() - paintablePixels(dataBytes, mCompression, mBitsPerPixel)
+        > kMaxUnpaintedPixels) {
+        gwDebug("CgwImageFileBMP::loadBitmap : Error: %lld bytes of pixel data cannot paint %i x %i pixels.",
+                static_cast<long long>(dataBytes), size.width(), size.height());
+        return finishBitmap(nullptr);
+    }
     file->seek(offset + mPixelOffset, 0);
 
     std::unique_ptr<Bitmap> bitmap;

@@ -82,22 +82,29 @@ TEST(Bmp, BrokenFilesGiveNothingOrAPartialBitmap)
     }
 }
 
-// Depths that no decoder takes a byte for would walk every pixel of a huge
-// image without end; they are refused with the head. Findings of the fuzzer
-// are replayed beside.
-TEST(Bmp, DepthsWithoutADecoderAreRefused)
+// A header of 2^20 x 4096 pixels with a few bytes behind: depths that no
+// decoder takes a byte for would walk every pixel without end and are refused
+// with the head; data that cannot paint the image is refused at the load.
+// The fuzzer's findings are replayed beside.
+TEST(Bmp, HugeHeadsOverTinyDataAreRefused)
 {
-    for (const int depth : {0, 9, 12, 15, 33}) {
+    const struct {
+        int depth;
+        quint32 compression;
+        bool headRefused;
+    } cases[] = {{0, 0, true}, {9, 0, true}, {15, 0, true}, {33, 0, true},
+                 {1, 0, false}, {24, 0, false}, {8, 1, false}, {32, 3, false}};
+    for (const auto& c : cases) {
         QByteArray file("BM", 2);
-        for (const quint32 field : {0u, 0u, 54u, 40u, 1u << 20, 4096u}) {
+        for (const quint32 field : {0u, 0u, 54u, 40u, 1u << 20, 4096u, 1u | quint32(c.depth) << 16, c.compression}) {
             char bytes[4];
             qToLittleEndian(field, bytes);
             file.append(bytes, 4);
         }
-        file.append("\1\0", 2).append(char(depth)).append(QByteArray(25, '\0'));
-        const QString path = "file:" + gwWriteTestFile("depth.bmp", file);
-        EXPECT_TRUE(CgwImageFileBMP().loadImageInformation(path, 0).mSize.isEmpty()) << depth;
-        EXPECT_EQ(std::unique_ptr<CgwBitmapBase>(CgwImageFileBMP().loadBitmap(path, 0)), nullptr) << depth;
+        file.append(QByteArray(20 + 4096, '\x55'));
+        const QString path = "file:" + gwWriteTestFile("huge.bmp", file);
+        EXPECT_EQ(CgwImageFileBMP().loadImageInformation(path, 0).mSize.isEmpty(), c.headRefused) << c.depth;
+        EXPECT_EQ(std::unique_ptr<CgwBitmapBase>(CgwImageFileBMP().loadBitmap(path, 0)), nullptr) << c.depth;
     }
     EXPECT_TRUE(gwReplayFuzzFindings("bmp", gwFuzzBmp));
 }
