@@ -18,6 +18,23 @@ QString stripIndent(const QString& text)
     return text;
 }
 
+// Whether the writer can store the text again: XML characters in whole
+// UTF-16. The writer's documents are UTF-8, but one that declares another
+// encoding (UTF-7, say) can decode to unpaired surrogates.
+bool storable(const QString& text)
+{
+    for (int i = 0; i < text.size(); ++i) {
+        if (text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate()) {
+            ++i;
+            continue;
+        }
+        const ushort u = text[i].unicode();
+        if (text[i].isSurrogate() || u == 0xFFFE || u == 0xFFFF || (u < 0x20 && u != '\t' && u != '\n' && u != '\r'))
+            return false;
+    }
+    return true;
+}
+
 bool readEntries(QXmlStreamReader& xml, CgwParameterSet& set, QString& error)
 {
     while (xml.readNextStartElement()) {
@@ -28,6 +45,10 @@ bool readEntries(QXmlStreamReader& xml, CgwParameterSet& set, QString& error)
         CgwQString value;
         if (!CgwQString(stripIndent(text)).unescape(value)) {
             error = QStringLiteral("unknown escape in the value of ") + key;
+            return false;
+        }
+        if (!storable(key) || !storable(value)) {
+            error = QStringLiteral("a character that cannot be written again in the value of ") + key;
             return false;
         }
         if (!CgwParameterSet::hasValidEscapes(value)) {

@@ -46,6 +46,21 @@ void require(bool holds, const char* what)
     }
 }
 
+// Names what changed on the way, for the one who looks into a finding.
+void reportDifference(const CgwParameterSet& before, const CgwParameterSet& after)
+{
+    QStringList keys;
+    for (const CgwParameterSet* set : {&before, &after})
+        for (auto it = set->begin(); it != set->end(); ++it)
+            if (before.value(it.key()) != after.value(it.key()) || !before.hasKey(it.key()) || !after.hasKey(it.key()))
+                keys << it.key();
+    keys.removeDuplicates();
+    for (const QString& key : keys)
+        std::fprintf(stderr, "%s: \"%s\" became \"%s\"\n", qPrintable(key),
+                     before.value(key).toQString().toUtf8().toPercentEncoding(" ").constData(),
+                     after.value(key).toQString().toUtf8().toPercentEncoding(" ").constData());
+}
+
 } // namespace
 
 void gwFuzzExifStream(const QByteArray& input)
@@ -135,7 +150,10 @@ void gwFuzzParameterXml(const QByteArray& input)
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
     set.writeTo(buffer);
-    require(CgwXmlParameterSet::read(buffer.data()) == set, "a set read does not survive writing");
+    const CgwParameterSet again = CgwXmlParameterSet::read(buffer.data());
+    if (again != set)
+        reportDifference(set, again);
+    require(again == set, "a set read does not survive writing");
 }
 
 bool gwReplayFuzzFindings(const char* target, void (*body)(const QByteArray&))
