@@ -104,3 +104,13 @@ QString gwFileLocation(const QString& path)
         return path;
     return QStringLiteral("file:") + QFileInfo(path).absoluteFilePath();
 }
+
+QString gwReadableValue(const QString& value)
+{
+    QStringList words;
+    QString word;
+    int start = 0, end = 0;
+    for (int i = 0; CgwParameterSet::findToken(value, i, start, end); ++i)
+        words << (CgwParameterSet::stringFromValue(value, i, word) ? word : value.mid(start, end - start));
+    return words.join(QLatin1Char(' '));
+}

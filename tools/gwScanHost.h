@@ -56,3 +56,6 @@ SgwHostScan gwHostScan(CgwScannerBase& scanner, const CgwBitmapHead& info, bool*
 // The location ("file:/...") of a path; a text that already has a scheme
 // ("file:", "scnr:") stays as it is.
 QString gwFileLocation(const QString& path);
+
+// A stored parameter value as words: its tokens, each unescaped.
+QString gwReadableValue(const QString& value);

@@ -35,17 +35,6 @@ QString logHint()
     return QStringLiteral("; the log is %1/LogFile.txt").arg(CgwSystem::logFolder());
 }
 
-// A stored value as words: its tokens, each unescaped.
-QString readable(const QString& value)
-{
-    QStringList words;
-    QString word;
-    int start = 0, end = 0;
-    for (int i = 0; CgwParameterSet::findToken(value, i, start, end); ++i)
-        words << (CgwParameterSet::stringFromValue(value, i, word) ? word : value.mid(start, end - start));
-    return words.join(QLatin1Char(' '));
-}
-
 void printInformation(const QString& source, const CgwBitmapHead& info)
 {
     std::printf("source:        %s\n", qPrintable(source));
@@ -56,7 +45,7 @@ void printInformation(const QString& source, const CgwBitmapHead& info)
     std::printf("gamma:         %g\n", double(info.mGamma));
     std::printf("parameters:\n");
     for (auto it = info.mParameters.begin(); it != info.mParameters.end(); ++it)
-        std::printf("  %-30s %s\n", qPrintable(it.key().toQString()), qPrintable(readable(it.value().toQString())));
+        std::printf("  %-30s %s\n", qPrintable(it.key().toQString()), qPrintable(gwReadableValue(it.value().toQString())));
 }
 
 // A bar on a terminal, a line a step elsewhere; codes above 100 are the

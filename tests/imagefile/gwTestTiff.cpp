@@ -83,6 +83,8 @@ CgwExif makerNoteRecord(const SgwTestTiff& layout)
     exif.setMakerNoteInt(0xC008, 0, layout.optical);
     exif.setMakerNoteInt(0xC002, 0, layout.vendor);
     exif.setMakerNoteInt(0xC009, 0, layout.scanner);
+    if (layout.hdrKind)
+        exif.setMakerNoteInt(0xC00F, 0, layout.hdrKind);
     exif.selectExifTagsOnly();
     return exif;
 }

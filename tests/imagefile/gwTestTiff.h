@@ -34,6 +34,7 @@ struct SgwTestTiff {
     int optical = 0;    // record 0xC008
     int vendor = 0;     // record 0xC002
     int scanner = 0;    // record 0xC009
+    int hdrKind = 0;    // record 0xC00F, written when not 0
     QByteArray behind;  // a raw IR plane after the TIFF; the private IR tag points at it
 };
 

@@ -31,12 +31,11 @@ void appendSamples(const CgwBitmapT<Pixel>& bitmap, int channels, bool invert, Q
 QByteArray gwSampleBytes(const CgwBitmapBase& bitmap, int channels, bool invert)
 {
     QByteArray out;
-    if (const auto* narrow = dynamic_cast<const CgwBitmapT<CgwPixel8x4>*>(&bitmap))
-        appendSamples(*narrow, channels, invert, out);
-    else if (const auto* wide = dynamic_cast<const CgwBitmapT<CgwPixel16x4>*>(&bitmap))
-        appendSamples(*wide, channels, invert, out);
-    else if (const auto* grey = dynamic_cast<const CgwBitmapT<CgwPixelGrey16Type>*>(&bitmap))
-        appendSamples(*grey, channels, invert, out);
+    gwDispatchPixelType(bitmap.pixelType(), [&](auto pixel) {
+        using Pixel = decltype(pixel);
+        if constexpr (std::is_integral_v<typename Pixel::SampleType>)
+            appendSamples(dynamic_cast<const CgwBitmapT<Pixel>&>(bitmap), channels, invert, out);
+    });
     return out;
 }
 

@@ -23,7 +23,7 @@ QString gwCorpusDir();
 // The first-frame rows of one corpus folder ("bmp", "jpeg", ...), by file name.
 QMap<QString, SgwCorpusReference> gwCorpusReferences(const QString& folder);
 
-// A decoded bitmap of four 8-bit or four 16-bit order hashed as the corpus
+// A decoded bitmap of integer samples hashed as the corpus
 // hashes samples: interleaved, `channels` a pixel, 16 bits little-endian.
 // `invert` turns every sample into maximum minus sample.
 QByteArray gwSampleHash(const CgwBitmapBase& bitmap, int channels, bool invert = false);
