@@ -1,8 +1,10 @@
 #include "gwBenchSupport.h"
 
+#include "imagefile/gwTiffIO.h"
 #include "settings/gwFilterOptions.h"
 #include "settings/gwParamKeys.h"
 
+#include <QFile>
 #include <QThread>
 
 #include <algorithm>
@@ -84,4 +86,45 @@ void gwRunInMemoryAndMapped(const std::function<void(const char*)>& cases)
     cases("memory");
     CgwFilterOptions::instance().setOption(GgwParam_MMFRamLimit, 0);
     cases("mapped");
+}
+
+bool gwWriteBenchTiff(const QString& path, const QSize& size)
+{
+    const CgwTiffHandle tiff(TIFFOpen(QFile::encodeName(path).constData(), "w"));
+    if (!tiff)
+        return false;
+    TIFFSetField(tiff.get(), TIFFTAG_IMAGEWIDTH, quint32(size.width()));
+    TIFFSetField(tiff.get(), TIFFTAG_IMAGELENGTH, quint32(size.height()));
+    TIFFSetField(tiff.get(), TIFFTAG_BITSPERSAMPLE, 16);
+    TIFFSetField(tiff.get(), TIFFTAG_SAMPLESPERPIXEL, 3);
+    TIFFSetField(tiff.get(), TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
+    TIFFSetField(tiff.get(), TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+    TIFFSetField(tiff.get(), TIFFTAG_ROWSPERSTRIP, 16);
+    std::vector<quint16> row(size_t(size.width()) * 3);
+    for (int y = 0; y < size.height(); ++y) {
+        for (size_t i = 0; i < row.size(); ++i)
+            row[i] = quint16(i * 7 + size_t(y) * 13);
+        if (TIFFWriteScanline(tiff.get(), row.data(), quint32(y), 0) < 0)
+            return false;
+    }
+    return true;
+}
+
+qint64 gwPeakResidentBytes()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return -1;
+    for (const QByteArray& line : status.readAll().split('\n'))
+        if (line.startsWith("VmHWM:"))
+            return line.mid(6).trimmed().split(' ').value(0).toLongLong() * 1024;
+    return -1;
+}
+
+void gwResetPeakResident()
+{
+    // "5" resets the peak to the present resident size (Linux 4.0 and later).
+    QFile refs(QStringLiteral("/proc/self/clear_refs"));
+    if (refs.open(QIODevice::WriteOnly))
+        refs.write("5");
 }

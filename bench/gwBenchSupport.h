@@ -4,6 +4,7 @@
 // beside a plain memcpy of the same bytes measured in the same run.
 
 #include <QSize>
+#include <QString>
 
 #include <cstddef>
 #include <functional>
@@ -37,3 +38,10 @@ SgwBenchSetup gwBenchSetup(int argc, char** argv);
 // Runs `cases(storage)` once with the bitmaps in memory and once in mapped
 // files (MMFRamLimit 0); storage is "memory" or "mapped".
 void gwRunInMemoryAndMapped(const std::function<void(const char*)>& cases);
+
+// An uncompressed 16-bit RGB TIFF of a varying pattern, 16 rows a strip.
+bool gwWriteBenchTiff(const QString& path, const QSize& size);
+
+// The process's peak resident memory in bytes since the last reset (VmHWM).
+qint64 gwPeakResidentBytes();
+void gwResetPeakResident();

@@ -16,33 +16,6 @@
 #include <QTemporaryDir>
 
 #include <cstdio>
-#include <vector>
-
-namespace {
-
-bool writeTiff(const QString& path, const QSize& size)
-{
-    const CgwTiffHandle tiff(TIFFOpen(QFile::encodeName(path).constData(), "w"));
-    if (!tiff)
-        return false;
-    TIFFSetField(tiff.get(), TIFFTAG_IMAGEWIDTH, quint32(size.width()));
-    TIFFSetField(tiff.get(), TIFFTAG_IMAGELENGTH, quint32(size.height()));
-    TIFFSetField(tiff.get(), TIFFTAG_BITSPERSAMPLE, 16);
-    TIFFSetField(tiff.get(), TIFFTAG_SAMPLESPERPIXEL, 3);
-    TIFFSetField(tiff.get(), TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
-    TIFFSetField(tiff.get(), TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
-    TIFFSetField(tiff.get(), TIFFTAG_ROWSPERSTRIP, 16);
-    std::vector<quint16> row(size_t(size.width()) * 3);
-    for (int y = 0; y < size.height(); ++y) {
-        for (size_t i = 0; i < row.size(); ++i)
-            row[i] = quint16(i * 7 + size_t(y) * 13);
-        if (TIFFWriteScanline(tiff.get(), row.data(), quint32(y), 0) < 0)
-            return false;
-    }
-    return true;
-}
-
-} // namespace
 
 int main(int argc, char** argv)
 {
@@ -50,7 +23,7 @@ int main(int argc, char** argv)
     const QSize size(argc > 2 ? std::atoi(argv[1]) : 8000, argc > 2 ? std::atoi(argv[2]) : 6040);
     QTemporaryDir dir;
     const QString path = dir.filePath("scan.tif");
-    if (!writeTiff(path, size)) {
+    if (!gwWriteBenchTiff(path, size)) {
         std::printf("could not write %s\n", qPrintable(path));
         return 1;
     }

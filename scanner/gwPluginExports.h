@@ -13,7 +13,9 @@ struct CgwScannerInfo;
 GW_EXPORT bool supportsScannerHDRImport(const QString& id);
 
 // A new import scanner for `info`; the host owns it and deletes it through
-// the virtual destructor.
+// the virtual destructor. A scan may hand the host's bitmap pixels that this
+// library allocated, so the host keeps the library loaded while it holds
+// scanned bitmaps.
 GW_EXPORT CgwScannerBase* newScannerHDRImport(const CgwScannerInfo& info);
 
 namespace QtAddons {

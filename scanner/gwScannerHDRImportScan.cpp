@@ -154,7 +154,10 @@ bool CgwScannerHDRImport::startScanHDRImport(CgwBitmapBase* bitmap, bool* abortF
         bitmap->setGamma(loaded->gamma());
     bitmap->setResolution(loaded->resolution());
     bitmap->setParameters(loaded->parameters());
-    bitmap->setBlock(QPoint(0, 0), *loaded);
+    // The loaded bitmap goes away next: where it matches, its pixels move
+    // across instead of being copied, which halves the scan's peak memory.
+    if (!bitmap->exchangePixels(*loaded))
+        bitmap->setBlock(QPoint(0, 0), *loaded);
     bitmap->setLegalRectBottom(bitmap->size().height());
     loaded.reset();
     applyHdrGamma(bitmap);

@@ -62,7 +62,7 @@ std::unique_ptr<CgwBitmapBase> gwHostBitmapFor(const CgwBitmapHead& info)
         bitmap.reset(wide ? static_cast<CgwBitmapBase*>(new CgwBitmapT<CgwPixelGrey16Type>())
                           : new CgwBitmapT<CgwPixelGrey8>());
     else if (info.mColorMode != 0)
-        bitmap.reset(wide ? static_cast<CgwBitmapBase*>(new CgwBitmapT<CgwPixel16x3>())
+        bitmap.reset(wide ? static_cast<CgwBitmapBase*>(new CgwBitmapT<CgwPixel16x4>())
                           : new CgwBitmapT<CgwPixel8x4>());
     if (!bitmap)
         return bitmap;

@@ -2,7 +2,9 @@
 
 // The host application's side of the plug-in, as gwscan, the tests and the
 // benchmark use it: the library is loaded with QLibrary and reached only by
-// its exported names and the scanner interface.
+// its exported names and the scanner interface. A scanned bitmap may hold
+// pixels the plug-in allocated, so the plug-in stays loaded while such
+// bitmaps live (QLibrary unloads only when asked to).
 
 #include "Sourcen/Image/gwBitmapHead.h"
 
@@ -44,7 +46,8 @@ struct SgwHostScan {
     std::unique_ptr<CgwBitmapBase> ir; // when the file has an infrared channel
 };
 
-// An empty bitmap of the type a host picks for the scanner information,
+// An empty bitmap of the type a host picks for the scanner information (the
+// types the readers deliver, so that the pixels move instead of being copied),
 // carrying what startScan reads from it: scan size, colour mode,
 // resolution, scanner mode and parameters. Null for a mode no type holds.
 std::unique_ptr<CgwBitmapBase> gwHostBitmapFor(const CgwBitmapHead& info);

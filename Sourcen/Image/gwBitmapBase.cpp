@@ -73,6 +73,15 @@ void CgwBitmapBase::swap(CgwBitmapBase& other)
     other.mHead = head;
 }
 
+bool CgwBitmapBase::exchangePixels(CgwBitmapBase& source)
+{
+    if (&source == this || source.pixelType() != pixelType() || source.size() != size() || !isInitialized()
+        || !source.isInitialized() || mNext || source.mNext) // a chain holds its rows in several members
+        return false;
+    std::swap(mStorage, source.mStorage);
+    return true;
+}
+
 QPixmap CgwBitmapBase::toQPixmap()
 {
     return QPixmap::fromImage(toQImage(0.0));

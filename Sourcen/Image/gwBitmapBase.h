@@ -56,6 +56,11 @@ public:
     virtual void flip() = 0;
     virtual void convertColorMode(int colorMode) = 0;
     virtual void swap(CgwBitmapBase& other);
+    // Takes over the pixels of `source` when it has this bitmap's pixel type
+    // and size and neither is part of a chain, giving it this bitmap's
+    // pixels in exchange; heads stay where they are. False, with nothing
+    // changed, for any other source.
+    bool exchangePixels(CgwBitmapBase& source);
     virtual bool getPixel(int x, int y, CgwPixel8x4& pixel) const = 0;
     virtual bool getPixel(int x, int y, CgwPixelGrey8& pixel) const = 0;
     virtual bool getPixel(int x, int y, CgwPixel16x4& pixel) const = 0;
