@@ -10,6 +10,7 @@
 #include "metadata/gwIptc.h"
 #include "settings/gwParamKeys.h"
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 
@@ -62,6 +63,22 @@ double jfifDensity(const jpeg_decompress_struct& cinfo, UINT16 density)
 bool decodesInPlace(const jpeg_decompress_struct& cinfo)
 {
     return cinfo.out_color_components == 4 || cinfo.out_color_space == JCS_EXT_RGBX;
+}
+
+// A truncated stream still gives what it holds, but one that would leave more
+// than this many of the declared pixels unpainted even if each of its bits
+// painted a whole 8 x 8 block is no image of that size: a few bytes must not
+// ask for gigabytes.
+constexpr qint64 kMaxUnpaintedPixels = qint64(1) << 24;
+
+bool dataCanPaint(const QSize& size, qint64 bytes)
+{
+    const qint64 unpainted = qint64(size.width()) * size.height() - std::max<qint64>(bytes, 0) * 8 * 64;
+    if (unpainted <= kMaxUnpaintedPixels)
+        return true;
+    gwDebug("CgwImageFileJPG::loadBitmap : Error: %lld bytes cannot paint %i x %i pixels.",
+            static_cast<long long>(bytes), size.width(), size.height());
+    return false;
 }
 
 } // namespace
@@ -251,7 +268,7 @@ CgwBitmapBase* CgwImageFileJPG::loadBitmap(CgwFile* file, qint64 offset)
         return finishBitmap(nullptr);
     cgw_jpeg_source_mgr source(&jpeg.cinfo, file);
     CgwBitmapHead head;
-    if (!readHeader(jpeg, exif, head))
+    if (!readHeader(jpeg, exif, head) || !dataCanPaint(head.mSize, file->size() - offset))
         return finishBitmap(nullptr);
     std::unique_ptr<CgwBitmapBase> bitmap(decode(jpeg, head));
     if (bitmap)

@@ -280,6 +280,21 @@ TEST(Jpeg, AFailedSaveLeavesTheTargetAsItWas)
     EXPECT_EQ(temporaryAfter, temporaryBefore) << "a failed save left its temporary file";
 }
 
+// 16384 x 16384 pixels claimed by a stream of a few hundred bytes: the head
+// is read, the bitmap is refused rather than a gigabyte painted grey.
+TEST(Jpeg, AHugeHeadOverAFewBytesIsRefused)
+{
+    const QString path = gwTestRoot() + "/small.jpg";
+    ASSERT_TRUE(CgwImageFileJPG().saveBitmap("file:" + path, *gradient(QSize(19, 11), EgwColorModeRGB)));
+    QByteArray bytes = gwReadFile(path);
+    const int frame = bytes.indexOf("\xff\xc0");
+    ASSERT_GT(frame, 0);
+    bytes.replace(frame + 5, 4, QByteArray("\x40\x00\x40\x00", 4));
+    const QString huge = "file:" + gwWriteTestFile("huge.jpg", bytes);
+    EXPECT_EQ(CgwImageFileJPG().loadImageInformation(huge, 0).mSize, QSize(16384, 16384));
+    EXPECT_EQ(std::unique_ptr<CgwBitmapBase>(CgwImageFileJPG().loadBitmap(huge, 0)), nullptr);
+}
+
 TEST(Jpeg, ThePreviewIsTheExifThumbnail)
 {
     const QString thumbPath = gwTestRoot() + "/pic-thumb.jpg";
