@@ -256,6 +256,12 @@ CgwBitmapBase* CgwImageFileTIF::loadBitmapIR_GW6(const QString& path, qint64 irO
     const QSize size(int(page.width), int(page.height));
     if (!plausibleImageSize(size, "CgwImageFileTIF::loadBitmapIR_GW6"))
         return nullptr;
+    // The plane is raw, two bytes a pixel.
+    if (qint64(size.width()) * size.height() - (file.size() - irOffset) / 2 > kMaxUnpaintedPixels) {
+        gwDebug("CgwImageFileTIF::loadBitmapIR_GW6 : Error: %lld bytes cannot hold %i x %i pixels.",
+                static_cast<long long>(file.size() - irOffset), size.width(), size.height());
+        return nullptr;
+    }
     auto bitmap = std::make_unique<CgwBitmapT<CgwPixelGrey16Type>>();
     if (!bitmap->createBitmap(size, EgwColorModeGrey, 0))
         return nullptr;

@@ -150,6 +150,57 @@ bool planLayout(TIFF* tiff, const SgwTiffPage& page, int photometric, bool ycbcr
     return true;
 }
 
+// Bytes of samples that one byte of encoded data gives at most; 0 for a
+// codec without such a bound here.
+double expansionOf(quint16 compression)
+{
+    switch (compression) {
+    case COMPRESSION_NONE: return 1.0;
+    case COMPRESSION_PACKBITS: return 64.0;  // two bytes give 128
+    case COMPRESSION_LZW: return 2731.0;     // a 12-bit code gives 4096 bytes
+    case COMPRESSION_ADOBE_DEFLATE:
+    case COMPRESSION_DEFLATE: return 1032.0; // deflate's own limit
+    case COMPRESSION_OJPEG:
+    case COMPRESSION_JPEG: return 512.0;     // a bit for each block of 64 samples
+    default: return 0.0;
+    }
+}
+
+// The encoded bytes of the page, as much of them as the file holds.
+quint64 encodedBytes(TIFF* tiff)
+{
+    const bool tiled = TIFFIsTiled(tiff);
+    const quint32 units = tiled ? TIFFNumberOfTiles(tiff) : TIFFNumberOfStrips(tiff);
+    uint64_t* counts = nullptr;
+    const quint64 fileSize = quint64(TIFFGetSizeProc(tiff)(TIFFClientdata(tiff)));
+    if (!TIFFGetField(tiff, tiled ? TIFFTAG_TILEBYTECOUNTS : TIFFTAG_STRIPBYTECOUNTS, &counts) || !counts)
+        return fileSize;
+    quint64 bytes = 0;
+    for (quint32 i = 0; i < units && bytes < fileSize; ++i)
+        bytes += std::min<quint64>(counts[i], fileSize - bytes);
+    return bytes;
+}
+
+// Whether the page's data can paint all but kMaxUnpaintedPixels of `size`.
+// The fax codings need a bit a row at the least.
+bool dataCanPaint(TIFF* tiff, const SgwTiffPage& page, const QSize& size)
+{
+    const double bytes = double(encodedBytes(tiff));
+    double paintable = 0.0;
+    if (page.compression == COMPRESSION_CCITTRLE || page.compression == COMPRESSION_CCITTRLEW
+        || page.compression == COMPRESSION_CCITTFAX3 || page.compression == COMPRESSION_CCITTFAX4)
+        paintable = bytes * 8.0 * size.width();
+    else if (expansionOf(page.compression) > 0.0)
+        paintable = bytes * expansionOf(page.compression) * 8.0 / std::max(1, page.bits * page.samples);
+    else
+        return true;
+    if (double(size.width()) * size.height() - paintable <= double(CgwImageFileTIF::kMaxUnpaintedPixels))
+        return true;
+    gwDebug("CgwImageFileTIF::loadBitmapT<> : Error: %.0f bytes of compression %d cannot paint %i x %i pixels.",
+            bytes, page.compression, size.width(), size.height());
+    return false;
+}
+
 } // namespace
 
 template <class Sample>
@@ -178,7 +229,7 @@ CgwBitmapBase* CgwImageFileTIF::loadBitmapT(TIFF* tiff)
     const int top = qBound(0, crop.top, int(page.height));
     const int bottom = qBound(top, crop.bottom, int(page.height));
     const QSize size(int(page.width), bottom - top);
-    if (!plausibleImageSize(size, "CgwImageFileTIF::loadBitmapT<>"))
+    if (!plausibleImageSize(size, "CgwImageFileTIF::loadBitmapT<>") || !dataCanPaint(tiff, page, size))
         return nullptr;
     auto bitmap = std::make_unique<CgwBitmapBlinkT<Pixel>>();
     if (!bitmap->createStorage(size, mode))

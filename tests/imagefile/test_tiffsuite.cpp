@@ -285,6 +285,13 @@ TEST(TiffSuite, TheOlderIrPlaneLiesBehindTheData)
     EXPECT_EQ(greyAt(*cut, 7, 1), 0x7f7f);
     EXPECT_EQ(greyAt(*cut, 0, 2), 0);
     EXPECT_EQ(gwLastLogLine(), "gwDebug: Error: loadBitmapIR_GW6: No more data available");
+    // A page of 65536 x 4096 pixels over a byte of data: neither it nor its
+    // plane of a few bytes becomes a bitmap of half a gigabyte.
+    layout = hdrScan({bigMain(QSize(1 << 16, 1 << 12))});
+    layout.behind = QByteArray(64, '\x7f');
+    const QString huge = gwWriteTestTiff("huge.tif", layout);
+    EXPECT_EQ(std::unique_ptr<CgwBitmapBase>(CgwImageFileTIF().loadBitmap(huge, 0)), nullptr);
+    EXPECT_EQ(std::unique_ptr<CgwBitmapBase>(CgwImageFileTIF().loadBitmapIR(huge, 0)), nullptr);
 }
 
 TEST(TiffSuite, CropProgressCancelAndOffset)
