@@ -32,16 +32,10 @@ bool keep(const QString& location, const QString& folder, const QString& name)
     return !location.isEmpty() && QFile::copy(location.startsWith("file:") ? location.mid(5) : location, target);
 }
 
+// Pages at 300 dpi; `pixels` false writes the tags alone.
 SgwTestPage page(QSize size, int bits, int samples, quint32 subfileType, bool pixels = true)
 {
-    SgwTestPage p;
-    p.size = size;
-    p.bits = bits;
-    p.samples = samples;
-    p.subfileType = subfileType;
-    p.pixels = pixels;
-    p.resolution = 300.0;
-    return p;
+    return SgwTestPage{size, bits, samples, subfileType, 300.0, 0, pixels};
 }
 
 // A scan as the suite writes it: HDR mark, maker note, film and IPTC.
