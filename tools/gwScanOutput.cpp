@@ -62,6 +62,15 @@ std::unique_ptr<CgwImageFileBase> formatForSuffix(const QString& suffix)
 }
 } // namespace
 
+bool gwCanWriteScan(const QString& path, QString* error)
+{
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    if (suffix == QLatin1String("png") || formatForSuffix(suffix))
+        return true;
+    *error = QStringLiteral("no image format writes \".%1\" files; use .png, .jpg, .bmp").arg(suffix);
+    return false;
+}
+
 bool gwWriteScan(const QString& path, const CgwBitmapBase& bitmap, const CgwBitmapBase* ir, QString* error)
 {
     const QFileInfo info(path);
@@ -73,10 +82,8 @@ bool gwWriteScan(const QString& path, const CgwBitmapBase& bitmap, const CgwBitm
         return !ir || writePng(irPath, *ir, error);
     }
     std::unique_ptr<CgwImageFileBase> format = formatForSuffix(suffix);
-    if (!format) {
-        *error = QStringLiteral("no image format writes \".%1\" files; use .png, .jpg, .bmp").arg(suffix);
-        return false;
-    }
+    if (!format)
+        return gwCanWriteScan(path, error);
     if (!format->saveBitmap(gwFileLocation(path), bitmap, ir)) {
         *error = QStringLiteral("the %1 writer could not store %2 (the log tells why)").arg(suffix, path);
         return false;

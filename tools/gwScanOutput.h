@@ -10,3 +10,6 @@ class CgwBitmapBase;
 // into the same file where the format holds it, else beside it as
 // "<name>_ir.png". False with a reason in `error`.
 bool gwWriteScan(const QString& path, const CgwBitmapBase& bitmap, const CgwBitmapBase* ir, QString* error);
+
+// Whether gwWriteScan knows how to write `path`; else the reason in `error`.
+bool gwCanWriteScan(const QString& path, QString* error);

@@ -32,7 +32,8 @@ int fail(int code, const QString& message)
 
 QString logHint()
 {
-    return QStringLiteral("; the log is %1/LogFile.txt").arg(CgwSystem::logFolder());
+    const QString folder = CgwSystem::logFolder();
+    return QStringLiteral("; the log is %1/LogFile.txt").arg(folder.startsWith(QLatin1String("file:")) ? folder.mid(5) : folder);
 }
 
 void printInformation(const QString& source, const CgwBitmapHead& info)
@@ -109,6 +110,9 @@ int main(int argc, char** argv)
     const QString output = parser.value(QStringLiteral("o"));
     if (output.isEmpty() && !parser.isSet(QStringLiteral("info")) && !parser.isSet(QStringLiteral("no-output")))
         return fail(kUsage, QStringLiteral("say where to write the scan (-o OUT) or give --no-output"));
+    QString error;
+    if (!output.isEmpty() && !gwCanWriteScan(output, &error))
+        return fail(kNotWritten, error);
 
     CgwScanHost host(parser.value(QStringLiteral("plugin")));
     if (!host.load())
@@ -145,7 +149,6 @@ int main(int argc, char** argv)
                 scan.bitmap->resolution().x(), scan.ir ? ", with infrared" : "", timer.elapsed());
     if (output.isEmpty())
         return kOk;
-    QString error;
     if (!gwWriteScan(output, *scan.bitmap, scan.ir.get(), &error))
         return fail(kNotWritten, error + logHint());
     std::printf("wrote %s\n", qPrintable(QFileInfo(output).absoluteFilePath()));

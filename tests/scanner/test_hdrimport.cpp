@@ -15,6 +15,8 @@
 #include <QBuffer>
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QImage>
+#include <QProcess>
 #include <QSignalSpy>
 #include <QThread>
 
@@ -317,6 +319,36 @@ TEST(HdrImport, BackgroundScanStopsWhenTheHostAsks)
     ASSERT_TRUE(waitFor([&] { return receiver.finished(); }, 5000));
     EXPECT_EQ(receiver.codes, QList<int>{103});
     EXPECT_FALSE(bitmap->isInitialized());
+}
+
+TEST(Gwscan, AnswersWithAnExitCodeAndOneLine)
+{
+    const QString png = gwTestRoot() + QStringLiteral("/scan.png");
+    const QString note = gwWriteTestFile(QStringLiteral("words.txt"), "no image in here");
+    const struct {
+        QStringList arguments;
+        int exitCode;
+        const char* out; // in standard output, or the one line of standard error
+    } cases[] = {
+        {{QStringLiteral("/no/such/file.jpg"), QStringLiteral("--no-output")}, 2, "gwscan: no such file: /no/such/file.jpg"},
+        {{note, QStringLiteral("--no-output")}, 3, "gwscan: no image format recognises"},
+        {{QStringLiteral("--info")}, 0, "MaxResAllowed                  600"},
+        {{QStringLiteral("-o"), png}, 0, "scanned the built-in picture: 640 x 420, 8 bits, 300 dpi"},
+        {{QStringLiteral("-o"), gwTestRoot() + QStringLiteral("/scan.xyz")}, 5, "gwscan: no image format writes \".xyz\" files"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.arguments.join(' ').toStdString());
+        QProcess gwscan;
+        gwscan.start(QStringLiteral(GW_GWSCAN_PATH), c.arguments);
+        ASSERT_TRUE(gwscan.waitForFinished(60000));
+        EXPECT_EQ(gwscan.exitCode(), c.exitCode);
+        const QByteArray out = c.exitCode ? gwscan.readAllStandardError() : gwscan.readAllStandardOutput();
+        EXPECT_TRUE(out.contains(c.out)) << out.toStdString();
+        if (c.exitCode) {
+            EXPECT_EQ(out.count('\n'), 1) << out.toStdString();
+        }
+    }
+    EXPECT_EQ(QImage(png).size(), QSize(640, 420));
 }
 
 #include "test_hdrimport.moc"
