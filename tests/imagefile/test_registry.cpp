@@ -1,10 +1,12 @@
 // The format registry and what every format shares: detection, crop,
-// parameters, temporary files and the final move.
+// parameters, temporary files and the final move; and every input kept from
+// the readers' fuzzers, replayed.
 
 #include "Sourcen/Image/gwBitmapT.h"
 #include "imagefile/gwImageFileBMP.h"
 #include "imagefile/gwImageFileList.h"
 #include "settings/gwParamKeys.h"
+#include "support/gwFuzzBodies.h"
 #include "support/gwTestEnv.h"
 
 #include <QCoreApplication>
@@ -120,4 +122,14 @@ TEST(Registry, MoveToTargetReplacesInOneStep)
     const QString kept = gwWriteTestFile("kept.tif", "data");
     EXPECT_FALSE(CgwImageFileBase::moveToTarget(kept, "file:" + gwTestRoot() + "/no/such/folder/x.tif"));
     EXPECT_TRUE(QFile::exists(kept));
+}
+
+TEST(Registry, FuzzFindingsOfEveryReaderLoadWithoutHarm)
+{
+    const struct {
+        const char* target;
+        void (*body)(const QByteArray&);
+    } cases[] = {{"bmp", gwFuzzBmp}, {"jpeg", gwFuzzJpeg}, {"tiff", gwFuzzTiff}};
+    for (const auto& c : cases)
+        EXPECT_TRUE(gwReplayFuzzFindings(c.target, c.body)) << c.target;
 }
