@@ -291,6 +291,9 @@ TEST(HdrImport, BackgroundScanReportsProgressThenTheEnd)
     const auto& rgb = dynamic_cast<const CgwBitmapT<CgwPixel16x3>&>(*bitmap);
     for (int c = 0; c < 3; ++c)
         EXPECT_EQ(rgb.line(399)[63].s[c], gwTestSample(layout.pages[0], 63, 399, c));
+    const QString log = logSince(0);
+    EXPECT_TRUE(log.contains("*** Log of scan ***"));
+    EXPECT_TRUE(log.contains("Wanted size of normal exposure-scan in pixels: 64 x 400"));
 }
 
 TEST(HdrImport, BackgroundScanStopsWhenTheHostAsks)
@@ -319,6 +322,49 @@ TEST(HdrImport, BackgroundScanStopsWhenTheHostAsks)
     ASSERT_TRUE(waitFor([&] { return receiver.finished(); }, 5000));
     EXPECT_EQ(receiver.codes, QList<int>{103});
     EXPECT_FALSE(bitmap->isInitialized());
+}
+
+TEST(ScanFormat, RequestFollowsItsParameters)
+{
+    const struct {
+        const char* resolution; // null: no ImageResolution in the set
+        int colorMode;
+        QPointF wantedResolution;
+        int wantedMode;
+        const char* logLine; // null: nothing logged
+    } cases[] = {
+        {"1 1", 0, {1, 1}, 0, nullptr},
+        {"0.99 300", 0, {72, 72}, 0, "this->mBitmapInfo.mResolution had to be reset to 72.0."},
+        {nullptr, 1, {72, 72}, 1, nullptr},
+        {"300 300", 6, {300, 300}, 3, nullptr},
+        {"300 300", 7, {300, 300}, 3, "Warning: Dismissing alpha channel!"},
+        {"300 300", 2, {300, 300}, 3, "Error: Unsupported color mode!"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.resolution ? c.resolution : "none");
+        CgwParameterSet parameters;
+        if (c.resolution)
+            parameters.setValue(GgwParam_ImageResolution, CgwQString(QString::fromLatin1(c.resolution)));
+        if (c.colorMode)
+            parameters.setLongLong(GgwParam_ImageColorMode, c.colorMode);
+        CgwImageFileScan format;
+        const int from = gwLogLineCount();
+        format.setParameter(parameters);
+        EXPECT_EQ(format.request().mResolution, c.wantedResolution);
+        EXPECT_EQ(format.request().mColorMode, c.wantedMode);
+        EXPECT_EQ(logSince(from).contains(QString::fromLatin1(c.logLine ? c.logLine : "CgwImageFileScan")),
+                  c.logLine != nullptr);
+        // A clone asks for the same, the defaults of the passing keys included.
+        std::unique_ptr<CgwImageFileBase> copy(format.clone());
+        CgwParameterSet mine, its;
+        format.getParameter(mine);
+        copy->getParameter(its);
+        EXPECT_EQ(its, mine);
+        EXPECT_EQ(gwReadableValue(its.value(GgwParam_MultiImageIndex).toQString()), QStringLiteral("1"));
+    }
+    CgwImageFileScan format;
+    EXPECT_TRUE(format.isFormat(QStringLiteral("scnr:HDR Atelier"), nullptr));
+    EXPECT_FALSE(format.isFormat(QStringLiteral("SCNR:HDR Atelier"), nullptr));
 }
 
 TEST(Gwscan, AnswersWithAnExitCodeAndOneLine)
