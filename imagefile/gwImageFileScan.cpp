@@ -66,16 +66,23 @@ CgwBitmapHead CgwImageFileScan::scanHead(const QString& path)
     return mBitmapInfo.isEmpty() ? loadImageInformation(path, 0) : mBitmapInfo;
 }
 
+bool CgwImageFileScan::scanReady(const QString& path, CgwBitmapHead& head)
+{
+    head = scanHead(path);
+    if (head.mSize.isEmpty())
+        return false;
+    if (!mScanner)
+        warnNoScanner();
+    return mScanner != nullptr;
+}
+
 CgwBitmapBase* CgwImageFileScan::loadBitmap(const QString& path, qint64)
 {
-    const CgwBitmapHead head = scanHead(path);
-    if (head.mSize.isEmpty())
+    CgwBitmapHead head;
+    if (!scanReady(path, head))
         return nullptr;
-    if (!mScanner) {
-        warnNoScanner();
-        return nullptr;
-    }
-    const int type = pixelTypeForScan(head.mChannels == 1 ? EgwColorModeGrey : head.mColorMode, head.mBitDepth, false);
+    const int mode = head.mChannels == 1 ? int(EgwColorModeGrey) : head.mColorMode;
+    const int type = pixelTypeForScan(mode, head.mBitDepth, false);
     std::unique_ptr<CgwBitmapBase> bitmap(newBitmapOfType(type));
     if (!bitmap || !prepareWith(head, bitmap.get(), nullptr, nullptr, true)
         || !mScanner->startScan(bitmap.get(), nullptr, nullptr, nullptr)) {
@@ -87,13 +94,9 @@ CgwBitmapBase* CgwImageFileScan::loadBitmap(const QString& path, qint64)
 
 CgwBitmapBase* CgwImageFileScan::loadBitmapThread(const QString& path, qint64, const SgwLoadThreadRequest& request)
 {
-    const CgwBitmapHead head = scanHead(path);
-    if (head.mSize.isEmpty())
+    CgwBitmapHead head;
+    if (!scanReady(path, head))
         return nullptr;
-    if (!mScanner) {
-        warnNoScanner();
-        return nullptr;
-    }
     std::unique_ptr<CgwBitmapBase> created;
     CgwBitmapBase* bitmap = request.target;
     if (!bitmap) {

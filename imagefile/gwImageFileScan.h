@@ -52,6 +52,8 @@ public:
 private:
     // The request, or the scanner's information when nothing was requested.
     CgwBitmapHead scanHead(const QString& path);
+    // The head of the next scan; false when it has no area or no scanner will make it.
+    bool scanReady(const QString& path, CgwBitmapHead& head);
     bool prepareWith(const CgwBitmapHead& head, CgwBitmapBase* bitmap, CgwBitmapBase* secondExposure,
                      CgwBitmapBase* irBitmap, bool initial);
     void mergeParameters(CgwBitmapBase* bitmap, double exposureFactor) const;

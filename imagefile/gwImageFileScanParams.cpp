@@ -39,7 +39,8 @@ CgwQString fallbackValue(const char* text)
 
 CgwQString pairValue(double a, double b)
 {
-    return CgwQString(CgwParameterSet::valueFromDouble(a).toQString() + CgwParameterSet::valueFromDouble(b).toQString());
+    return CgwQString(CgwParameterSet::valueFromDouble(a).toQString()
+                      + CgwParameterSet::valueFromDouble(b).toQString());
 }
 
 // All colour scans are done as RGB.
@@ -62,7 +63,8 @@ void CgwImageFileScan::setParameter(const CgwParameterSet& parameters)
 {
     CgwImageFileBase::setParameter(parameters);
     const CgwQString size = parameters.value(GgwParam_ImageSize);
-    mBitmapInfo.mSize = QSize(int(CgwParameterSet::doubleFromValue(size, 0)), int(CgwParameterSet::doubleFromValue(size, 1)));
+    mBitmapInfo.mSize =
+        QSize(int(CgwParameterSet::doubleFromValue(size, 0)), int(CgwParameterSet::doubleFromValue(size, 1)));
     const CgwQString resolution = parameters.value(GgwParam_ImageResolution);
     mBitmapInfo.mResolution = QPointF(CgwParameterSet::doubleFromValue(resolution, 0),
                                       CgwParameterSet::doubleFromValue(resolution, 1));

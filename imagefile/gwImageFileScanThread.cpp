@@ -33,7 +33,8 @@ void logBitmap(const CgwBitmapBase& bitmap, const char* kind)
                          .arg(QLatin1String(kind))
                          .arg(size.width())
                          .arg(size.height()));
-    log.writeMessage(QStringLiteral("Bitdepth of %1: %2").arg(QLatin1String(kind)).arg(bitsOfPixelType(bitmap.pixelType())));
+    log.writeMessage(
+        QStringLiteral("Bitdepth of %1: %2").arg(QLatin1String(kind)).arg(bitsOfPixelType(bitmap.pixelType())));
 }
 } // namespace
 
@@ -72,7 +73,8 @@ void CgwImageFileScanThread::run()
     if (mOwnsScanner)
         delete mScanner;
     else
-        disconnect(mScanner, SIGNAL(signalNewImageData(int, QString)), this, SIGNAL(signalNewImageData(int, QString)));
+        disconnect(mScanner, SIGNAL(signalNewImageData(int, QString)), this,
+                   SIGNAL(signalNewImageData(int, QString)));
     mScanner = nullptr;
     if (ok)
         emit signalNewImageData(mAbortRequested ? 103 : 100, QString());

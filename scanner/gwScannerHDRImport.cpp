@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 const QString CgwScannerHDRImport::kStandardSource = QStringLiteral("file::/standard.jpg");
 
@@ -17,7 +18,7 @@ namespace {
 int sActiveScannerMode = 0;
 int sLastProgress = 0;
 
-// The scanner of the Glimmerway vendor table that files report.
+// The vendor and model word the suite reads for a file import.
 constexpr qint64 kVendorAndScannerId = 5767170;
 } // namespace
 
@@ -185,9 +186,11 @@ CgwBitmapHead CgwScannerHDRImport::getScannerInformationHDRImport(int)
         resolutionKnown = false;
         head.mResolution = QPointF(72.0, 72.0);
     }
-    const int resolution = int(std::lround(head.mResolution.x()));
-    int maxRes = 2 * resolution;
-    if (maxRes < 0) {
+    // A file may claim any resolution; rounding and doubling stay in range.
+    const double x = head.mResolution.x();
+    const int resolution = std::isfinite(x) ? int(std::lround(std::clamp(x, -1e9, 1e9))) : 0;
+    qint64 maxRes = 2 * qint64(resolution);
+    if (maxRes < 0 || maxRes > std::numeric_limits<int>::max()) {
         gwDebugString(QStringLiteral("CgwScannerHDRImport::getScannerInformationHDRImport: CgwScannerHDRImport "
                                      "has reset maxRes."));
         maxRes = 72;

@@ -37,7 +37,8 @@ bool CgwScannerHDRImport::startScan(CgwBitmapBase* bitmap, bool* abortFlag, CgwB
         try {
             result = runScan(bitmap, flag, irBitmap);
         } catch (const std::exception& e) {
-            gwDebugString(QStringLiteral("CgwScannerHDRImport::startScan: Error: %1").arg(QString::fromLocal8Bit(e.what())));
+            gwDebugString(
+                QStringLiteral("CgwScannerHDRImport::startScan: Error: %1").arg(QString::fromLocal8Bit(e.what())));
         } catch (...) {
             logLine("CgwScannerHDRImport::startScan: Error: The scan was ended by an exception!");
         }

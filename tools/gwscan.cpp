@@ -22,7 +22,15 @@
 #include <unistd.h>
 
 namespace {
-enum EgwExit { kOk = 0, kUsage = 1, kNoSource = 2, kUnknownFormat = 3, kScanFailed = 4, kNotWritten = 5, kNoPlugin = 6 };
+enum EgwExit {
+    kOk = 0,
+    kUsage = 1,
+    kNoSource = 2,
+    kUnknownFormat = 3,
+    kScanFailed = 4,
+    kNotWritten = 5,
+    kNoPlugin = 6,
+};
 
 int fail(int code, const QString& message)
 {
@@ -33,7 +41,8 @@ int fail(int code, const QString& message)
 QString logHint()
 {
     const QString folder = CgwSystem::logFolder();
-    return QStringLiteral("; the log is %1/LogFile.txt").arg(folder.startsWith(QLatin1String("file:")) ? folder.mid(5) : folder);
+    const QString plain = folder.startsWith(QLatin1String("file:")) ? folder.mid(5) : folder;
+    return QStringLiteral("; the log is %1/LogFile.txt").arg(plain);
 }
 
 void printInformation(const QString& source, const CgwBitmapHead& info)
@@ -46,7 +55,8 @@ void printInformation(const QString& source, const CgwBitmapHead& info)
     std::printf("gamma:         %g\n", double(info.mGamma));
     std::printf("parameters:\n");
     for (auto it = info.mParameters.begin(); it != info.mParameters.end(); ++it)
-        std::printf("  %-30s %s\n", qPrintable(it.key().toQString()), qPrintable(gwReadableValue(it.value().toQString())));
+        std::printf("  %-30s %s\n", qPrintable(it.key().toQString()),
+                    qPrintable(gwReadableValue(it.value().toQString())));
 }
 
 // A bar on a terminal, a line a step elsewhere; codes above 100 are the
@@ -94,7 +104,8 @@ int main(int argc, char** argv)
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Scans an image file through the HDR import scanner plug-in."));
     parser.addHelpOption();
-    parser.addPositionalArgument(QStringLiteral("SOURCE"), QStringLiteral("image file (default: the built-in picture)"));
+    parser.addPositionalArgument(QStringLiteral("SOURCE"),
+                                 QStringLiteral("image file (default: the built-in picture)"));
     parser.addOption({{QStringLiteral("o"), QStringLiteral("output")}, QStringLiteral("write the scan to OUT"),
                       QStringLiteral("OUT")});
     parser.addOption({QStringLiteral("info"), QStringLiteral("print the scanner information and stop")});
