@@ -120,6 +120,42 @@ void warningHandlerExt(thandle_t, const char* module, const char* format, va_lis
     warningHandler(module, format, args);
 }
 
+// libtiff sorts its field table again for every unknown tag it meets, so a
+// directory of thousands of them costs a tenth of a second at each of the
+// many opens of one load. No image file comes near this many entries.
+constexpr quint64 kMaxDirectoryEntries = 1024;
+
+// Whether no directory of the chain (as far as it is counted) has more
+// entries than that; classic and BigTIFF alike. What cannot be read here is
+// left to libtiff.
+bool directoriesPlausible(CgwFile& file, qint64 base)
+{
+    char order[2] = {0, 0};
+    if (file.seek(base, 0) != base || file.read(order, 2) != 2 || (order[0] != 'I' && order[0] != 'M'))
+        return true;
+    file.setByteOrder(order[0] == 'I' ? "II" : "MM");
+    const bool big = file.readUInt16() == 43;
+    if (big)
+        file.readUInt32(); // offset size and reserved
+    quint64 next = big ? file.readUInt64() : file.readUInt32();
+    QSet<quint64> seen;
+    for (int i = 0; i < 100 && next != 0 && next < quint64(file.size()) && !seen.contains(next); ++i) {
+        seen.insert(next);
+        file.seek(base + qint64(next), 0);
+        bool ok = true;
+        const quint64 entries = big ? file.readUInt64(&ok) : file.readUInt16(&ok);
+        if (!ok)
+            return true;
+        if (entries > kMaxDirectoryEntries)
+            return false;
+        file.seek(qint64(entries) * (big ? 20 : 12), 1);
+        next = big ? file.readUInt64(&ok) : file.readUInt32(&ok);
+        if (!ok)
+            return true;
+    }
+    return true;
+}
+
 } // namespace
 
 TIFF* gwTiffOpen(const QString& path, int mode, qint64 offset)
@@ -129,6 +165,8 @@ TIFF* gwTiffOpen(const QString& path, int mode, qint64 offset)
     client->file.reset(CgwFilePathList::instance().createFile(path));
     const QIODevice::OpenMode openMode = mode == 2 ? QIODevice::ReadWrite | QIODevice::Truncate : QIODevice::ReadOnly;
     if (!client->file || !client->file->open(openMode))
+        return nullptr;
+    if (mode != 2 && !directoriesPlausible(*client->file, offset))
         return nullptr;
     client->file->seek(offset, 0);
     client->base = offset;

@@ -25,7 +25,8 @@ constexpr ttag_t kGwTiffTagFilm = 35244; // film vendor, brand and type at 0, 96
 // Opens `path` (a location) for reading (mode 1) or writing (mode 2) with the
 // TIFF header at `offset`; every offset libtiff uses counts from there. The
 // file belongs to the handle and closes with it. Null, without a message,
-// when the file or the TIFF cannot be opened.
+// when the file or the TIFF cannot be opened, or when a directory holds more
+// than 1024 entries.
 TIFF* gwTiffOpen(const QString& path, int mode, qint64 offset);
 inline CgwTiffHandle gwTiffOpenHandle(const QString& path, int mode, qint64 offset)
 {

@@ -203,3 +203,30 @@ TEST(Tiff, DamagedFilesNeverCrash)
     }
     EXPECT_GT(files.size(), 300);
 }
+
+// libtiff spends time on every unknown tag at every open; a directory of more
+// than 1024 entries is refused before libtiff reads it.
+TEST(Tiff, DirectoriesOfMoreThan1024EntriesAreRefused)
+{
+    for (const quint32 entries : {1024u, 1025u}) {
+        QByteArray file("II*\0\x08\0\0\0", 8);
+        const auto put = [&file](quint32 v, int size) {
+            for (int i = 0; i < size; ++i)
+                file.append(char(v >> 8 * i));
+        };
+        put(entries, 2);
+        // One grey pixel (width, length, bits, compression, photometric, strip,
+        // samples, rows, bytes), then unknown tags of a byte each.
+        const quint32 data = 8 + 2 + 12 * entries + 4;
+        const quint32 tags[][2] = {{256, 1}, {257, 1}, {258, 8},   {259, 1}, {262, 1},
+                                   {273, data}, {277, 1}, {278, 1}, {279, 1}};
+        for (const auto& tag : tags)
+            put(tag[0], 2), put(4, 2), put(1, 4), put(tag[1], 4);
+        for (quint32 i = 9; i < entries; ++i)
+            put(40000 + i, 2), put(1, 2), put(1, 4), put(0, 4);
+        put(0, 4);
+        file.append('\x7f');
+        const CgwTiffHandle tiff(gwTiffOpen("file:" + gwWriteTestFile("entries.tif", file), 1, 0));
+        EXPECT_EQ(tiff != nullptr, entries == 1024) << entries;
+    }
+}
