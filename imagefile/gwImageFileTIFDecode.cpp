@@ -185,6 +185,12 @@ quint64 encodedBytes(TIFF* tiff)
 // The fax codings need a bit a row at the least.
 bool dataCanPaint(TIFF* tiff, const SgwTiffPage& page, const QSize& size)
 {
+    // A coding this libtiff cannot decode paints nothing: refused before any
+    // buffer is sized for it.
+    if (!TIFFIsCODECConfigured(page.compression)) {
+        gwDebug("CgwImageFileTIF::loadBitmapT<> : Error: compression %d cannot be decoded.", page.compression);
+        return false;
+    }
     const double bytes = double(encodedBytes(tiff));
     double paintable = 0.0;
     if (page.compression == COMPRESSION_CCITTRLE || page.compression == COMPRESSION_CCITTRLEW
