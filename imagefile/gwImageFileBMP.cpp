@@ -355,11 +355,6 @@ qint64 paintablePixels(qint64 bytes, qint32 compression, qint32 bits)
     return 0;
 }
 
-// A truncated file still gives what it holds, but data that leaves more than
-// this many of the declared pixels unpainted is no image of that size: a few
-// bytes must not ask for gigabytes.
-constexpr qint64 kMaxUnpaintedPixels = qint64(1) << 24;
-
 } // namespace
 
 CgwBitmapBase* CgwImageFileBMP::loadBitmap(const QString& path, qint64 offset)

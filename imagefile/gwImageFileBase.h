@@ -87,6 +87,11 @@ public:
     // Whether a size read from a file may be allocated: each side 1 to 2^20
     // pixels, at most 2^32 pixels in all. Logs the refusal.
     static bool plausibleImageSize(const QSize& size, const char* reader);
+    // A truncated file still gives what it holds, but data that would leave
+    // more than this many of the declared pixels unpainted, even at its
+    // coding's densest, is no image of that size: a few bytes must not ask
+    // for gigabytes. Each reader bounds what its data can paint.
+    static constexpr qint64 kMaxUnpaintedPixels = qint64(1) << 24;
 
 protected:
     // The first bytes of `path` when the detection walk gave none.

@@ -65,16 +65,11 @@ bool decodesInPlace(const jpeg_decompress_struct& cinfo)
     return cinfo.out_color_components == 4 || cinfo.out_color_space == JCS_EXT_RGBX;
 }
 
-// A truncated stream still gives what it holds, but one that would leave more
-// than this many of the declared pixels unpainted even if each of its bits
-// painted a whole 8 x 8 block is no image of that size: a few bytes must not
-// ask for gigabytes.
-constexpr qint64 kMaxUnpaintedPixels = qint64(1) << 24;
-
+// At its densest each bit of a stream paints a whole 8 x 8 block.
 bool dataCanPaint(const QSize& size, qint64 bytes)
 {
     const qint64 unpainted = qint64(size.width()) * size.height() - std::max<qint64>(bytes, 0) * 8 * 64;
-    if (unpainted <= kMaxUnpaintedPixels)
+    if (unpainted <= CgwImageFileBase::kMaxUnpaintedPixels)
         return true;
     gwDebug("CgwImageFileJPG::loadBitmap : Error: %lld bytes cannot paint %i x %i pixels.",
             static_cast<long long>(bytes), size.width(), size.height());

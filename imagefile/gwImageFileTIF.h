@@ -12,10 +12,6 @@ class CgwImageFileTIF : public CgwImageFileBase
 public:
     // Above this many pixels a main image may carry a HiRePX page.
     static constexpr quint32 kHiRepxThreshold = 10000000;
-    // A truncated page still gives what it holds, but data that would leave
-    // more than this many pixels of the bitmap unpainted at its codec's
-    // densest is no page of that size: a few bytes must not ask for gigabytes.
-    static constexpr qint64 kMaxUnpaintedPixels = qint64(1) << 24;
 
     CgwImageFileTIF();
     CgwImageFileTIF(const CgwImageFileTIF& other) = default;
