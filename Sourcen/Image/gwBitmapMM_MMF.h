@@ -8,58 +8,55 @@
 #include <QHash>
 #include <QTemporaryFile>
 
-#include <cerrno>
-#include <cstring>
-#include <sys/mman.h>
-#include <unistd.h>
+// The whole temporary file, mapped once for the life of its storage and of
+// any view still held. A page mapped anew costs a fault at its first touch
+// (about a microsecond); views mapped and unmapped as they pass through the
+// cache paid that for every page on every pass, six times the cost of a
+// pass in memory. Address space is no concern on a 64-bit system, and the
+// kernel writes back and drops the file's pages under memory pressure just
+// the same.
+class CgwBitmapMM_MMF_Region
+{
+public:
+    // Throws 4711 with the mapping's log lines when the file cannot be mapped.
+    CgwBitmapMM_MMF_Region(int fd, const QString& fileName, qint64 bytes);
+    ~CgwBitmapMM_MMF_Region();
+    uchar* start() const { return mStart; }
 
-// One view of a bitmap's temporary file. It stays mapped while a row view
-// holds it, also after the cache has let it go.
+    CgwBitmapMM_MMF_Region(const CgwBitmapMM_MMF_Region&) = delete;
+    CgwBitmapMM_MMF_Region& operator=(const CgwBitmapMM_MMF_Region&) = delete;
+
+private:
+    uchar* mStart = nullptr;
+    size_t mLength = 0;
+};
+
+// Gives a new temporary file its disk blocks. A sparse file on a full disk
+// would end the process with SIGBUS at the first write of a page; this way
+// the bitmap is refused when it is made. Writing into allocated blocks is
+// also faster. True as well where the file system cannot preallocate.
+bool gwAllocateFileBlocks(int fd, qint64 bytes, QString* error);
+
+// One view of a bitmap's temporary file, a window of its region. It stays
+// valid while a row view holds it, also after the cache has let it go.
 template <class Pixel>
 class CgwBitmapMM_MMF_Mapping
 {
 public:
-    CgwBitmapMM_MMF_Mapping(int fd, const QString& fileName, qint64 offset, qint64 size)
-        : mFileName(fileName), mOffset(offset), mSize(size)
+    CgwBitmapMM_MMF_Mapping(std::shared_ptr<CgwBitmapMM_MMF_Region> region, qint64 offset, qint64 size)
+        : mRegion(std::move(region)), mOffset(offset), mSize(size), mBase(mRegion->start() + offset)
     {
-        // mmap wants a page-aligned offset; the view starts inside the first page.
-        const qint64 page = sysconf(_SC_PAGESIZE);
-        const qint64 aligned = offset / page * page;
-        mMapLength = size_t(size + (offset - aligned));
-        void* address = mmap(nullptr, mMapLength, PROT_READ | PROT_WRITE, MAP_SHARED, fd, off_t(aligned));
-        if (address == MAP_FAILED) {
-            gwDebugString(QString::fromLocal8Bit(std::strerror(errno)));
-            gwDebug("CgwBitmapMM_MMF_Mapping: Failed to allocate mapping for %s at offset %lu with size %lu.",
-                    qPrintable(fileName), (unsigned long)offset, (unsigned long)size);
-            throw kGwStorageAllocationFailed;
-        }
-        mMapStart = static_cast<uchar*>(address);
-        mBase = mMapStart + (offset - aligned);
-    }
-
-    ~CgwBitmapMM_MMF_Mapping()
-    {
-        if (!mBase)
-            gwDebug("CgwBitmapMM_MMF_Mapping: There was no mapping to free in file %s at offset %lu size %lu.",
-                    qPrintable(mFileName), (unsigned long)mOffset, (unsigned long)mSize);
-        else
-            munmap(mMapStart, mMapLength);
     }
 
     bool contains(qint64 offset) const { return offset >= mOffset && offset < mOffset + mSize; }
     uchar* base() const { return mBase; }
     qint64 offset() const { return mOffset; }
 
-    CgwBitmapMM_MMF_Mapping(const CgwBitmapMM_MMF_Mapping&) = delete;
-    CgwBitmapMM_MMF_Mapping& operator=(const CgwBitmapMM_MMF_Mapping&) = delete;
-
 private:
-    QString mFileName;
+    std::shared_ptr<CgwBitmapMM_MMF_Region> mRegion;
     qint64 mOffset;
     qint64 mSize;
-    uchar* mMapStart = nullptr;
-    size_t mMapLength = 0;
-    uchar* mBase = nullptr;
+    uchar* mBase;
 };
 
 // Pixels in a temporary file, seen through views of at least 8 MiB; the two
@@ -74,24 +71,28 @@ public:
     {
         mRowsPerMapping = int(8388608 / this->rowBytes() + 1);
         mFile = std::make_unique<QTemporaryFile>(gwBitmapTempFolder() + QStringLiteral("/hdr8_XXXXXX.tmp"));
+        QString error;
         if (!mFile->open() || !mFile->resize(this->totalBytes())) {
-            gwDebug("CgwBitmapMM_MMF: Error: could not create the temporary file %s of %lld bytes: %s",
-                    qPrintable(mFile->fileTemplate()), (long long)this->totalBytes(), qPrintable(mFile->errorString()));
-            throw kGwStorageAllocationFailed;
+            error = mFile->errorString();
+        } else if (gwAllocateFileBlocks(int(mFile->handle()), this->totalBytes(), &error)) {
+            // Asking for the name also makes Qt give the file one: the
+            // storage file is to be seen in the temporary folder.
+            mRegion = std::make_shared<CgwBitmapMM_MMF_Region>(int(mFile->handle()), mFile->fileName(),
+                                                               this->totalBytes());
+            return;
         }
-        // Qt keeps a temporary file nameless until its name is asked for;
-        // the storage file is to be seen in the temporary folder.
-        mFile->fileName();
+        gwDebug("CgwBitmapMM_MMF: Error: could not create the temporary file %s of %lld bytes: %s",
+                qPrintable(mFile->fileTemplate()), (long long)this->totalBytes(), qPrintable(error));
+        throw kGwStorageAllocationFailed;
     }
 
     ~CgwBitmapMM_MMF() override
     {
         mCache.clear();
-        bool held = false;
-        for (const auto& weak : qAsConst(mLiveMappings))
-            held = held || !weak.expired();
+        const std::weak_ptr<CgwBitmapMM_MMF_Region> region = mRegion;
+        mRegion.reset();
         // A view still held keeps its pages; the file's name goes in any case.
-        if (!held)
+        if (region.expired())
             mFile->resize(0);
         mFile->close();
         mFile.reset();
@@ -127,12 +128,13 @@ private:
         const qint64 fileSize = this->totalBytes();
         start = qBound<qint64>(0, start, fileSize);
         const qint64 size = std::min(span, fileSize - start); // the last view is shorter
-        auto mapping = std::make_shared<Mapping>(int(mFile->handle()), mFile->fileName(), start, size);
+        auto mapping = std::make_shared<Mapping>(mRegion, start, size);
         mCache.insert(start, new std::shared_ptr<Mapping>(mapping), 1);
         return mapping;
     }
 
     std::unique_ptr<QTemporaryFile> mFile;
+    std::shared_ptr<CgwBitmapMM_MMF_Region> mRegion;
     QHash<qint64, std::weak_ptr<Mapping>> mLiveMappings;
     QCache<qint64, std::shared_ptr<Mapping>> mCache{2};
     int mRowsPerMapping = 1;
