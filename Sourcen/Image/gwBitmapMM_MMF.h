@@ -11,7 +11,7 @@
 // The whole temporary file, mapped once for the life of its storage and of
 // any view still held. A page mapped anew costs a fault at its first touch
 // (about a microsecond); views mapped and unmapped as they pass through the
-// cache paid that for every page on every pass, six times the cost of a
+// cache paid that for every page on every pass, seven times the cost of a
 // pass in memory. Address space is no concern on a 64-bit system, and the
 // kernel writes back and drops the file's pages under memory pressure just
 // the same.
